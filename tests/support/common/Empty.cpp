@@ -1,0 +1,1 @@
+// Keeps the support libraries non-empty while a folder has no sources yet.
