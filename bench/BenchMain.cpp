@@ -1,0 +1,21 @@
+// Entry of every benchmark program: first a network namespace of our own, then Google Benchmark.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <string>
+
+#include "NetworkNamespace.h"
+
+int main(int argc, char** argv)
+{
+    std::string why;
+    if (!Bench::EnterPrivateNetworkNamespace(why))
+        std::fprintf(stderr, "No private network namespace (%s): GigE Vision benchmarks are skipped.\n",
+                     why.c_str());
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,170 @@
+// GigE Vision over loopback, inside the program's own network namespace: Aravis's fake GigE
+// camera streamed by Aravis's own arv-camera-test-0.8, by a plain Aravis pop/push loop and
+// through the library, one after the other in the same run (the camera admits one controller
+// at a time). Frames per second and lost frames side by side.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "BenchConfig.h"
+#include "FakeGigeCamera.h"
+#include "FrameSink.h"
+#include "LibrarySession.h"
+#include "NetworkNamespace.h"
+#include "RawAravisStream.h"
+#include "ViewerBiz3.h"
+#include "sdk/aravis/AravisCamera.h"
+
+namespace {
+
+constexpr unsigned long long kGigeMask = ZYLGENICAM::TL_GIGE;
+constexpr const char* kSerial = "GV01";
+constexpr int kSmallSide = 64;
+// The fake GigE camera's highest AcquisitionFrameRate.
+constexpr int kHighestFrameRate = 1000;
+
+struct ToolFigures {
+    double framesPerSecond = 0;
+    double completed = 0;
+    double lost = 0;   // missing frames, failures, underruns, aborted buffers
+};
+
+double Field(const std::string& output, const std::string& name)
+{
+    auto at = output.find(name);
+    if (at == std::string::npos)
+        return 0;
+    at = output.find('=', at);
+    return at == std::string::npos ? 0 : std::strtod(output.c_str() + at + 1, nullptr);
+}
+
+// arv-camera-test prints one "N frames/s" line a second and its stream statistics at the end;
+// the first second is left out as start-up.
+ToolFigures ParseCameraTest(const std::string& output)
+{
+    ToolFigures figures;
+    std::istringstream lines(output);
+    std::string line;
+    int seconds = 0;
+    double frames = 0;
+    while (std::getline(lines, line)) {
+        if (line.find("frames/s") == std::string::npos)
+            continue;
+        if (seconds++ > 0)
+            frames += std::strtod(line.c_str(), nullptr);
+    }
+    figures.framesPerSecond = seconds > 1 ? frames / (seconds - 1) : 0;
+    figures.completed = Field(output, "n_completed_buffers");
+    figures.lost = Field(output, "n_missing_frames") + Field(output, "n_failures") + Field(output, "n_underruns")
+                   + Field(output, "n_aborted");
+    return figures;
+}
+
+std::string SerialOf(const std::string& cameraId)
+{
+    auto open = cameraId.rfind('(');
+    return open == std::string::npos ? "" : cameraId.substr(open + 1, cameraId.size() - open - 2);
+}
+
+// Lists the fake camera through the library; its identifier, or "".
+std::string DiscoverThroughLibrary()
+{
+    std::string found;
+    auto listed = [&](const std::vector<std::string>& cameras) {
+        for (const auto& id : cameras)
+            if (SerialOf(id) == kSerial)
+                found = id;
+        return !found.empty();
+    };
+    Bench::LibrarySession::Instance().Discover(kGigeMask, listed);
+    return found;
+}
+
+void SetCounter(benchmark::State& state, const char* name, double value)
+{
+    state.counters[name] = benchmark::Counter(value);
+}
+
+double Ratio(double numerator, double denominator)
+{
+    return denominator > 0 ? numerator / denominator : 0;
+}
+
+Bench::StreamWindow StreamWithPlainAravis(double seconds)
+{
+    Bench::StreamWindow window;
+    GError* error = nullptr;
+    ArvCamera* camera = arv_camera_new(nullptr, &error);
+    g_clear_error(&error);
+    if (camera == nullptr)
+        return window;
+    arv_camera_set_region(camera, 0, 0, kSmallSide, kSmallSide, nullptr);
+    arv_camera_set_frame_rate(camera, kHighestFrameRate, nullptr);
+    {
+        Bench::RawAravisStream stream(camera, ZYLGENICAM::AravisCamera::kBufferPoolSize);
+        window = stream.Run(seconds);
+    }
+    g_object_unref(camera);
+    return window;
+}
+
+Bench::StreamWindow StreamThroughLibrary(const std::string& id, double seconds)
+{
+    Bench::StreamWindow window;
+    if (ViewerBiz3::OpenCamera(id) != 0)
+        return window;
+    ViewerBiz3::SetCameraNodeValue(id, "Width", std::to_string(kSmallSide));
+    ViewerBiz3::SetCameraNodeValue(id, "Height", std::to_string(kSmallSide));
+    ViewerBiz3::SetCameraNodeValue(id, "AcquisitionFrameRate", std::to_string(kHighestFrameRate));
+    Bench::FrameSink sink(id);
+    window = Bench::LibrarySession::Instance().Stream(id, sink, seconds);
+    ViewerBiz3::CloseCamera(id);
+    return window;
+}
+
+void BM_GigeLoopback(benchmark::State& state)
+{
+    if (!Bench::InPrivateNetworkNamespace()) {
+        state.SkipWithError("no private network namespace: GigE Vision is never run on the host's network");
+        return;
+    }
+    Bench::FakeGigeCamera fake(kSerial);
+    if (!fake.IsRunning()) {
+        state.SkipWithError("arv-fake-gv-camera-0.8 did not start");
+        return;
+    }
+    const int seconds = static_cast<int>(Bench::Count(4, 1));
+    for (auto _ : state) {
+        char command[256];
+        std::snprintf(command, sizeof command, "arv-camera-test-0.8 --duration=%d -w %d -h %d -f %d", seconds + 1,
+                      kSmallSide, kSmallSide, kHighestFrameRate);
+        ToolFigures tool = ParseCameraTest(Bench::RunAndCapture(command));
+        Bench::StreamWindow raw = StreamWithPlainAravis(seconds);
+        std::string id = DiscoverThroughLibrary();
+        if (id.empty()) {
+            state.SkipWithError("the library did not list the fake GigE camera");
+            return;
+        }
+        Bench::StreamWindow library = StreamThroughLibrary(id, seconds);
+        SetCounter(state, "tool_fps", tool.framesPerSecond);
+        SetCounter(state, "tool_lost", tool.lost);
+        SetCounter(state, "tool_completed", tool.completed);
+        SetCounter(state, "raw_fps", raw.FramesPerSecond());
+        SetCounter(state, "raw_lost", raw.FramesLost());
+        SetCounter(state, "raw_camera_fps", raw.CameraFramesPerSecond());
+        SetCounter(state, "lib_camera_fps", library.CameraFramesPerSecond());
+        SetCounter(state, "lib_fps", library.FramesPerSecond());
+        SetCounter(state, "lib_lost", library.FramesLost());
+        SetCounter(state, "lib_to_tool_ratio", Ratio(library.FramesPerSecond(), tool.framesPerSecond));
+        SetCounter(state, "lib_to_raw_ratio", Ratio(library.FramesPerSecond(), raw.FramesPerSecond()));
+        SetCounter(state, "window_s", library.wallSeconds);
+    }
+}
+BENCHMARK(BM_GigeLoopback)->Iterations(1)->Repetitions(static_cast<int>(Bench::Count(3, 1)))
+    ->Unit(benchmark::kMillisecond)->UseRealTime();
+
+} // namespace

@@ -1,0 +1,214 @@
+#include "node/NodeAccess.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace Utilities {
+
+namespace {
+
+using GenApi_3_4::INode;
+using GenApi_3_4::INodeMap;
+
+const char* const kNodeMapNull = "Nodemap is NULL";
+const char* const kNodeMissing = "Node does not exist";
+const char* const kNodeUnreadable = "Node unreadable";
+const char* const kNodeUnwritable = "Node unwritable";
+const char* const kUnsupportedType = "Unsupported type";
+const char* const kAvailabilityFailed = "Get pIsAvailable failed!";
+
+// Runs the part of a node operation that follows a successful lookup: GenICam exceptions become -7 with
+// their description, anything else -8 with the message untouched.
+template <class Operation> int Guarded(std::string& message, Operation operation) {
+    try {
+        return operation();
+    } catch (const GenICam_3_4::GenericException& exception) {
+        message = exception.GetDescription();
+        return -7;
+    } catch (...) {
+        return -8;
+    }
+}
+
+// The node's pIsAvailable test: 0 when it passes or does not apply, -9 when it fails.
+int CheckAvailability(INodeMap* nodeMap, INode* node, std::string& message) {
+    GenICam_3_4::gcstring availabilityName;
+    GenICam_3_4::gcstring attribute;
+    if (!node->GetProperty("pIsAvailable", availabilityName, attribute)) {
+        return 0;
+    }
+    INode* availabilityNode = nodeMap->GetNode(availabilityName);
+    if (availabilityNode == nullptr) {
+        message = kAvailabilityFailed;
+        return -9;
+    }
+    if (availabilityNode->GetPrincipalInterfaceType() != GenApi_3_4::intfIInteger) {
+        return 0;
+    }
+    GenApi_3_4::CIntegerPtr availability(availabilityNode);
+    try {
+        if (!availability.IsValid() || availability->GetValue(true, true) == 0) {
+            message = kAvailabilityFailed;
+            return -9;
+        }
+    } catch (const GenICam_3_4::GenericException& exception) {
+        message = exception.GetDescription();
+        return -9;
+    }
+    return 0;
+}
+
+// Reads the node through pointer type Ptr when it is readable, passing the typed interface to format.
+template <class Ptr, class Format> int ReadTyped(INode* node, std::string& value, std::string& message, Format format) {
+    Ptr pointer(node);
+    if (!GenApi_3_4::IsReadable(pointer)) {
+        message = kNodeUnreadable;
+        return -5;
+    }
+    value = format(*pointer);
+    return 0;
+}
+
+// Writes through pointer type Ptr when it is writable; unwritableMessage null leaves the message untouched.
+template <class Ptr, class Write>
+int WriteTyped(INode* node, std::string& message, const char* unwritableMessage, Write write) {
+    Ptr pointer(node);
+    if (!GenApi_3_4::IsWritable(pointer)) {
+        if (unwritableMessage != nullptr) {
+            message = unwritableMessage;
+        }
+        return -5;
+    }
+    write(*pointer);
+    return 0;
+}
+
+} // namespace
+
+int GetNodeValue(INodeMap* nodeMap, std::string name, std::string& value, std::string& message) {
+    if (nodeMap == nullptr) {
+        message = kNodeMapNull;
+        return -1;
+    }
+    INode* node = nodeMap->GetNode(name);
+    if (node == nullptr) {
+        message = kNodeMissing;
+        return -4;
+    }
+    return Guarded(message, [&]() {
+        const int availability = CheckAvailability(nodeMap, node, message);
+        if (availability != 0) {
+            return availability;
+        }
+        switch (node->GetPrincipalInterfaceType()) {
+        case GenApi_3_4::intfIInteger:
+            return ReadTyped<GenApi_3_4::CIntegerPtr>(node, value, message, [](GenApi_3_4::IInteger& integer) {
+                return std::to_string(integer.GetValue(true, true));
+            });
+        case GenApi_3_4::intfIBoolean:
+            return ReadTyped<GenApi_3_4::CBooleanPtr>(node, value, message, [](GenApi_3_4::IBoolean& boolean) {
+                return std::string(boolean.GetValue(true, true) ? "True" : "False");
+            });
+        case GenApi_3_4::intfIFloat:
+            return ReadTyped<GenApi_3_4::CFloatPtr>(node, value, message, [](GenApi_3_4::IFloat& floating) {
+                return ToStringWithPrecision(floating.GetValue(true, true), 6);
+            });
+        case GenApi_3_4::intfIString:
+            // Strings are read from the cache without verification, unlike the other types.
+            return ReadTyped<GenApi_3_4::CStringPtr>(node, value, message, [](GenApi_3_4::IString& text) {
+                return std::string(text.ToString(false, false));
+            });
+        case GenApi_3_4::intfIEnumeration:
+            return ReadTyped<GenApi_3_4::CEnumerationPtr>(
+                node, value, message,
+                [](GenApi_3_4::IEnumeration& enumeration) { return std::string(enumeration.ToString(true, true)); });
+        default:
+            message = kUnsupportedType;
+            return -6;
+        }
+    });
+}
+
+int SetNodeValue(INodeMap* nodeMap, std::string name, std::string value, std::string& message) {
+    if (nodeMap == nullptr) {
+        message = kNodeMapNull;
+        return -1;
+    }
+    INode* node = nodeMap->GetNode(name);
+    if (node == nullptr) {
+        message = kNodeMissing;
+        return -4;
+    }
+    return Guarded(message, [&]() {
+        switch (node->GetPrincipalInterfaceType()) {
+        case GenApi_3_4::intfIInteger:
+            return WriteTyped<GenApi_3_4::CIntegerPtr>(
+                node, message, kNodeUnwritable, [&](GenApi_3_4::IInteger& integer) {
+                    integer.SetValue(static_cast<int64_t>(std::atoi(value.c_str())), true);
+                });
+        case GenApi_3_4::intfIBoolean:
+            return WriteTyped<GenApi_3_4::CBooleanPtr>(
+                node, message, kNodeUnwritable,
+                [&](GenApi_3_4::IBoolean& boolean) { boolean.SetValue(std::atoi(value.c_str()) != 0, true); });
+        case GenApi_3_4::intfICommand:
+            return WriteTyped<GenApi_3_4::CCommandPtr>(node, message, kNodeUnwritable,
+                                                       [](GenApi_3_4::ICommand& command) { command.Execute(true); });
+        case GenApi_3_4::intfIFloat:
+            return WriteTyped<GenApi_3_4::CFloatPtr>(node, message, kNodeUnwritable, [&](GenApi_3_4::IFloat& floating) {
+                floating.SetValue(std::atof(value.c_str()), true);
+            });
+        case GenApi_3_4::intfIString:
+            return WriteTyped<GenApi_3_4::CStringPtr>(node, message, kNodeUnwritable, [&](GenApi_3_4::IString& text) {
+                text.FromString(GenICam_3_4::gcstring(value), true);
+            });
+        case GenApi_3_4::intfIEnumeration:
+            // An unwritable enumeration reports -5 without a message; callers depend on that.
+            return WriteTyped<GenApi_3_4::CEnumerationPtr>(
+                node, message, nullptr, [&](GenApi_3_4::IEnumeration& enumeration) {
+                    enumeration.FromString(GenICam_3_4::gcstring(value), true);
+                });
+        default:
+            message = kUnsupportedType;
+            return -6;
+        }
+    });
+}
+
+int GetIntNodeInfo(INodeMap* nodeMap, std::string name, std::string& value, std::string& min, std::string& max,
+                   std::string& inc, std::string& message) {
+    if (nodeMap == nullptr) {
+        message = kNodeMapNull;
+        return -1;
+    }
+    INode* node = nodeMap->GetNode(name);
+    if (node == nullptr) {
+        message = kNodeMissing;
+        return -4;
+    }
+    return Guarded(message, [&]() {
+        if (node->GetPrincipalInterfaceType() != GenApi_3_4::intfIInteger) {
+            message = kUnsupportedType;
+            return -6;
+        }
+        GenApi_3_4::CIntegerPtr integer(node);
+        if (!GenApi_3_4::IsReadable(integer)) {
+            message = kNodeUnreadable;
+            return -5;
+        }
+        value = std::to_string(integer->GetValue(true, true));
+        min = std::to_string(integer->GetMin());
+        max = std::to_string(integer->GetMax());
+        inc = std::to_string(integer->GetInc());
+        return 0;
+    });
+}
+
+std::string ToStringWithPrecision(double value, int precision) {
+    const std::string format = "%." + std::to_string(precision) + "f";
+    char buffer[24];
+    std::snprintf(buffer, sizeof buffer, format.c_str(), value);
+    return buffer;
+}
+
+} // namespace Utilities

@@ -1,0 +1,289 @@
+#include "sdk/aravis/AravisCamera.h"
+
+#include <chrono>
+
+#include "genapi/NodeMapFactory.h"
+#include "sdk/aravis/AravisDiscovery.h"
+#include "sdk/aravis/AravisImage.h"
+
+namespace ZYLGENICAM {
+
+namespace {
+
+int64_t SteadyNowMs()
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void OnControlLost(ArvDevice*, gpointer flag)
+{
+    static_cast<std::atomic<bool>*>(flag)->store(true);
+}
+
+void DeleteControlLostFlag(gpointer flag)
+{
+    delete static_cast<std::shared_ptr<std::atomic<bool>>*>(flag);
+}
+
+// Register 0 exists on every transport (GigE Vision bootstrap version, USB3 Vision ABRM version).
+constexpr guint64 kProbeRegister = 0;
+
+} // namespace
+
+AravisCamera::AravisCamera(const AravisDeviceRecord& record)
+    : m_info(new AravisCameraInfo(record)), m_controlLost(std::make_shared<std::atomic<bool>>(false))
+{
+}
+
+AravisCamera::~AravisCamera()
+{
+    delete m_info;
+}
+
+void AravisCamera::Destroy()
+{
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_open.load())
+            CloseLocked();
+    }
+    delete this;
+}
+
+GObjectPtr<ArvDevice> AravisCamera::OpenDevice(int& result)
+{
+    AravisDeviceRecord& record = m_info->m_record;
+    result = SDK_ERROR;
+    if (record.tlType == TL_SIMULATED) {
+        if (!record.simulated)
+            return nullptr;
+        if (!record.simulated->TryOpen()) {
+            result = SDK_ACCESS_DENIED;
+            record.accessStatus = ACCESS_BUSY;
+            return nullptr;
+        }
+        result = SDK_OK;
+        return RefObject(record.simulated->Device());
+    }
+    std::lock_guard<std::mutex> interfaceLock(AravisDiscovery::InterfaceMutex());
+    ArvInterface* transport = record.tlType == TL_GIGE ? arv_gv_interface_get_instance() : arv_uv_interface_get_instance();
+    GError* error = nullptr;
+    GObjectPtr<ArvDevice> device(arv_interface_open_device(transport, record.aravisDeviceId.c_str(), &error));
+    g_clear_error(&error);
+    if (!device && record.tlType == TL_GIGE && !record.ipAddress.empty()) {
+        device.reset(arv_interface_open_device(transport, record.ipAddress.c_str(), &error));
+        g_clear_error(&error);
+    }
+    if (!device)
+        return nullptr;
+    // Aravis opens a GigE Vision device that another host controls without control; every write
+    // would then time out, so such a device counts as busy.
+    if (ARV_IS_GV_DEVICE(device.get()) && !arv_gv_device_is_controller(ARV_GV_DEVICE(device.get()))) {
+        result = SDK_ACCESS_DENIED;
+        record.accessStatus = ACCESS_BUSY;
+        return nullptr;
+    }
+    result = SDK_OK;
+    return device;
+}
+
+int AravisCamera::Open(int)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_open.load())
+        return SDK_ERROR;
+    int result = SDK_ERROR;
+    GObjectPtr<ArvDevice> device = OpenDevice(result);
+    if (!device)
+        return result;
+    try {
+        m_nodeMap = GenApi_3_4::CreateNodeMapForDevice(device.get());
+    } catch (const GenICam_3_4::GenericException&) {
+        if (m_info->m_record.simulated)
+            m_info->m_record.simulated->CloseAccess();
+        return SDK_ERROR;
+    }
+    size_t xmlSize = 0;
+    const char* xml = arv_device_get_genicam_xml(device.get(), &xmlSize);
+    m_featureModule = std::make_unique<AravisModule>(m_nodeMap.get(), xml != nullptr ? std::string(xml, xmlSize) : std::string());
+    m_controlLost->store(false);
+    // The device keeps the flag alive until it is finalized, which ends its heartbeat thread, so a
+    // signal still in flight after disconnecting never touches freed memory.
+    g_object_set_data_full(G_OBJECT(device.get()), "viewerbiz3-control-lost",
+        new std::shared_ptr<std::atomic<bool>>(m_controlLost), DeleteControlLostFlag);
+    m_controlLostHandler = g_signal_connect(device.get(), "control-lost", G_CALLBACK(OnControlLost), m_controlLost.get());
+    m_device = std::move(device);
+    m_lost.store(false);
+    MarkAlive();
+    m_open.store(true);
+    return SDK_OK;
+}
+
+int AravisCamera::Close()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_open.load())
+        return SDK_NOT_OPEN;
+    return CloseLocked();
+}
+
+int AravisCamera::CloseLocked()
+{
+    StopStreamLocked();
+    m_open.store(false);
+    g_signal_handler_disconnect(m_device.get(), m_controlLostHandler);
+    m_controlLostHandler = 0;
+    m_featureModule.reset();
+    m_nodeMap.reset();   // before the device: it reads through it
+    m_device.reset();
+    if (m_info->m_record.simulated)
+        m_info->m_record.simulated->CloseAccess();
+    return SDK_OK;
+}
+
+IModule* AravisCamera::GetModule3()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_featureModule.get();
+}
+
+bool AravisCamera::ExecuteCommand(const char* name)
+{
+    try {
+        GenApi_3_4::CCommandPtr command = m_nodeMap->GetNode(name);
+        if (!command)
+            return false;
+        command->Execute();
+        return true;
+    } catch (const GenICam_3_4::GenericException&) {
+        return false;
+    }
+}
+
+// The SDK streams continuously; the camera layer counts frames against its limit.
+int AravisCamera::StartGrabbing(int, uint64_t)
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_open.load())
+        return SDK_NOT_OPEN;
+    if (m_stream)
+        return SDK_ERROR;
+    int64_t payload = 0;
+    try {
+        GenApi_3_4::CIntegerPtr payloadSize = m_nodeMap->GetNode("PayloadSize");
+        if (payloadSize)
+            payload = payloadSize->GetValue();
+    } catch (const GenICam_3_4::GenericException&) {
+        payload = 0;
+    }
+    if (payload <= 0)
+        return SDK_ERROR;
+    GError* error = nullptr;
+    ArvStream* created = arv_device_create_stream(m_device.get(), nullptr, nullptr, &error);
+    g_clear_error(&error);
+    if (created == nullptr)
+        return SDK_ERROR;
+    // Without root the default socket buffer loses almost every frame.
+    if (ARV_IS_GV_STREAM(created))
+        g_object_set(created, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_AUTO, nullptr);
+    auto stream = std::make_shared<AcquisitionStream>(created, std::size_t(payload), kBufferPoolSize);
+    if (!ExecuteCommand("AcquisitionStart"))
+        return SDK_ERROR;
+    m_stream = std::move(stream);
+    m_grabbing.store(true);
+    MarkAlive();
+    return SDK_OK;
+}
+
+int AravisCamera::StopGrabbing()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_stream)
+        return SDK_ERROR;
+    StopStreamLocked();
+    return SDK_OK;
+}
+
+// Images still out keep the stream alive; they are pushed back to it on release.
+void AravisCamera::StopStreamLocked()
+{
+    if (!m_stream)
+        return;
+    if (!m_lost.load() && !m_controlLost->load())
+        ExecuteCommand("AcquisitionStop");
+    m_stream.reset();
+    m_grabbing.store(false);
+}
+
+int AravisCamera::GetImage(IImage*& image, uint64_t timeoutMs)
+{
+    image = nullptr;
+    std::shared_ptr<AcquisitionStream> stream;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_open.load())
+            return SDK_NOT_OPEN;
+        stream = m_stream;
+    }
+    if (!stream)
+        return SDK_ERROR;
+    if (m_lost.load() || m_controlLost->load())
+        return SDK_LOST;
+    ArvBuffer* buffer = stream->Pop(timeoutMs);
+    if (buffer == nullptr)
+        return SDK_TIMEOUT;
+    uint64_t frameId = stream->ContinuousFrameId(arv_buffer_get_frame_id(buffer));
+    auto* frame = new AravisImage(stream, buffer, frameId);
+    image = frame;
+    if (!frame->IsValid())
+        return SDK_ERROR;
+    MarkAlive();
+    return SDK_OK;
+}
+
+void AravisCamera::MarkAlive()
+{
+    m_lastAliveMs.store(SteadyNowMs());
+}
+
+bool AravisCamera::ProbeDevice()
+{
+    GObjectPtr<ArvDevice> device;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        device = RefObject(m_device.get());
+    }
+    if (!device)
+        return true;   // closed meanwhile: nothing to probe
+    guint32 value = 0;
+    GError* error = nullptr;
+    bool answered = arv_device_read_register(device.get(), kProbeRegister, &value, &error);
+    g_clear_error(&error);
+    return answered;
+}
+
+// Aravis's control-lost signal alone comes late (its heartbeat gives up after several seconds),
+// so an open device that has sent no frame for a while is asked directly, at most once per call;
+// the read fails only after Aravis's own retries, so a busy but healthy camera is not dropped.
+bool AravisCamera::IsConnected()
+{
+    if (m_lost.load())
+        return false;
+    if (m_controlLost->load()) {
+        m_lost.store(true);
+        return false;
+    }
+    if (!m_open.load())
+        return true;
+    if (SteadyNowMs() - m_lastAliveMs.load() < kAliveByFramesMs)
+        return true;
+    if (!ProbeDevice()) {
+        m_lost.store(true);
+        return false;
+    }
+    MarkAlive();
+    return true;
+}
+
+} // namespace ZYLGENICAM

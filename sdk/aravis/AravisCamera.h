@@ -1,0 +1,71 @@
+// ICamera on Aravis: one device of any of our transports (GigE Vision, USB3 Vision, simulated).
+#pragma once
+
+#include <arv.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+#include "ZylSdk.h"
+#include "genapi/GenApi.h"
+#include "sdk/aravis/AcquisitionStream.h"
+#include "sdk/aravis/AravisCameraInfo.h"
+#include "sdk/aravis/AravisModule.h"
+#include "sdk/aravis/GObjectPtr.h"
+
+namespace ZYLGENICAM {
+
+class AravisCamera final : public ICamera {
+public:
+    explicit AravisCamera(const AravisDeviceRecord& record);
+
+    // Buffers queued per acquisition.
+    static constexpr unsigned kBufferPoolSize = 16;
+    // A frame within this time proves the device alive without a register read.
+    static constexpr int64_t kAliveByFramesMs = 1000;
+
+    int Open(int accessMode) override;
+    int Close() override;
+    bool IsOpen() override { return m_open.load(); }
+    bool IsConnected() override;
+    bool IsGrabbing() override { return m_grabbing.load(); }
+    ICameraInfo* GetDeviceInfo() override { return m_info; }
+    IModule* GetModule0() override { return nullptr; }
+    IModule* GetModule1() override { return nullptr; }
+    IModule* GetModule2() override { return nullptr; }
+    IModule* GetModule3() override;
+    IModule* GetModule4() override { return nullptr; }
+    int StartGrabbing(int mode, uint64_t frameLimit) override;
+    int StopGrabbing() override;
+    int GetImage(IImage*& image, uint64_t timeoutMs) override;
+    int SetCLProtocol(const char*, const char*) override { return SDK_ERROR; }
+    void Destroy() override;
+
+private:
+    ~AravisCamera();
+
+    GObjectPtr<ArvDevice> OpenDevice(int& result);
+    int CloseLocked();
+    void StopStreamLocked();
+    bool ExecuteCommand(const char* name);
+    bool ProbeDevice();
+    void MarkAlive();
+
+    AravisCameraInfo* m_info;
+    std::mutex m_mutex;   // open, close, start, stop
+    GObjectPtr<ArvDevice> m_device;
+    std::unique_ptr<GenApi_3_4::INodeMap> m_nodeMap;
+    std::unique_ptr<AravisModule> m_featureModule;
+    std::shared_ptr<AcquisitionStream> m_stream;
+    // Written on Aravis's heartbeat thread; shared with the device so a late signal never touches a
+    // freed camera.
+    std::shared_ptr<std::atomic<bool>> m_controlLost;
+    gulong m_controlLostHandler = 0;
+    std::atomic<bool> m_open { false };
+    std::atomic<bool> m_grabbing { false };
+    std::atomic<bool> m_lost { false };
+    std::atomic<int64_t> m_lastAliveMs { 0 };
+};
+
+} // namespace ZYLGENICAM

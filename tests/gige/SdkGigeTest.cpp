@@ -1,0 +1,212 @@
+// The Aravis camera SDK end to end against a simulated GigE Vision camera in its own process on
+// 127.0.0.1, inside this program's private network namespace.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ZylSdk.h"
+#include "genapi/GenApi.h"
+#include "support/common/FakeGigeCamera.h"
+
+extern bool g_privateNetworkNamespace;
+extern std::string g_privateNetworkNamespaceFailure;
+
+using namespace ZYLGENICAM;
+
+namespace {
+
+constexpr uint64_t kWaitMs = 3000;
+
+class SdkGigeTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!g_privateNetworkNamespace)
+            GTEST_SKIP() << "needs a private network namespace: " << g_privateNetworkNamespaceFailure;
+        if (!FakeGigeCamera::ProgramAvailable())
+            GTEST_SKIP() << FakeGigeCamera::kProgram << " (aravis-tools) is not installed";
+        ASSERT_EQ(Init(), SDK_OK);
+        ASSERT_TRUE(m_device.Start()) << "the simulated GigE Vision camera did not come up";
+    }
+
+    void TearDown() override
+    {
+        for (ICamera* camera : m_cameras)
+            camera->Destroy();
+        UnInit();
+    }
+
+    struct Listed {
+        int tlType = 0;
+        int accessStatus = 0;
+        std::string serial, model, userName, vendor, ip, mac, mask, gateway, hostInterface, version;
+    };
+
+    // The record of our camera in a GigE discovery (found false when it is not listed).
+    Listed DiscoverOurCamera(bool& found)
+    {
+        Listed listed;
+        found = false;
+        for (ICameraInfo* info : DiscoveryByTLType(TL_GIGE)) {
+            if (m_device.SerialNumber() == info->GetSerialNumber()) {
+                found = true;
+                listed = { info->GetTLType(), info->GetAccessStatus(), info->GetSerialNumber(), info->GetModelName(),
+                    info->GetUserDefinedName(), info->GetDeviceText(), info->GetGigEInfo(GIGE_IP),
+                    info->GetGigEInfo(GIGE_MAC), info->GetGigEInfo(GIGE_MASK), info->GetGigEInfo(GIGE_GATEWAY),
+                    info->GetGigEInfo(GIGE_HOST_INTERFACE_IP), info->GetDeviceText2() };
+            }
+            info->Destroy();
+        }
+        return listed;
+    }
+
+    ICamera* CreateOurCamera()
+    {
+        ICamera* created = nullptr;
+        for (ICameraInfo* info : DiscoveryByTLType(TL_GIGE)) {
+            if (created == nullptr && m_device.SerialNumber() == info->GetSerialNumber())
+                created = CreateCamera(info);
+            info->Destroy();
+        }
+        if (created != nullptr)
+            m_cameras.push_back(created);
+        return created;
+    }
+
+    static GenApi::INodeMap* Features(ICamera* camera)
+    {
+        IModule* module = camera->GetModule3();
+        return module != nullptr ? module->GetNodeMap() : nullptr;
+    }
+
+    static std::string Read(ICamera* camera, const char* name)
+    {
+        GenApi::CValuePtr value = Features(camera)->GetNode(name);
+        return value->ToString().c_str();
+    }
+
+    static void Write(ICamera* camera, const char* name, const std::string& text)
+    {
+        GenApi::CValuePtr value = Features(camera)->GetNode(name);
+        value->FromString(text.c_str());
+    }
+
+    FakeGigeCamera m_device;
+    std::vector<ICamera*> m_cameras;
+};
+
+TEST_F(SdkGigeTest, DiscoveryReadsIdentityAndAddressesWithoutTakingControl)
+{
+    bool found = false;
+    Listed listed = DiscoverOurCamera(found);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(listed.tlType, TL_GIGE);
+    EXPECT_EQ(listed.accessStatus, 2);
+    EXPECT_EQ(listed.model, "Fake");
+    EXPECT_EQ(listed.vendor, "Aravis");
+    EXPECT_FALSE(listed.version.empty());
+    EXPECT_EQ(listed.ip, "127.0.0.1");
+    EXPECT_TRUE(std::regex_match(listed.mac, std::regex("([0-9A-F]{2}:){5}[0-9A-F]{2}"))) << listed.mac;
+    EXPECT_FALSE(listed.mask.empty());
+    EXPECT_FALSE(listed.gateway.empty());
+    EXPECT_EQ(listed.hostInterface, "127.0.0.1");
+    EXPECT_EQ(listed.userName, "") << "this simulator has no user-defined name";
+
+    // Discovery did not take control: it can still be opened, and other transports do not list it.
+    for (ICameraInfo* info : DiscoveryByTLType(TL_USB | TL_SIMULATED)) {
+        EXPECT_NE(info->GetSerialNumber(), m_device.SerialNumber());
+        info->Destroy();
+    }
+    ICamera* camera = CreateOurCamera();
+    ASSERT_NE(camera, nullptr);
+    EXPECT_EQ(camera->Open(0), SDK_OK);
+}
+
+TEST_F(SdkGigeTest, ACameraControlledElsewhereIsBusyAndCannotBeOpened)
+{
+    ICamera* owner = CreateOurCamera();
+    ASSERT_NE(owner, nullptr);
+    ASSERT_EQ(owner->Open(0), SDK_OK);
+    bool found = false;
+    EXPECT_EQ(DiscoverOurCamera(found).accessStatus, 3);
+    EXPECT_TRUE(found);
+
+    ICamera* other = CreateOurCamera();
+    ASSERT_NE(other, nullptr);
+    EXPECT_EQ(other->Open(0), SDK_ACCESS_DENIED);
+    EXPECT_FALSE(other->IsOpen());
+    EXPECT_EQ(other->GetDeviceInfo()->GetAccessStatus(), 3);
+
+    ASSERT_EQ(owner->Close(), SDK_OK);
+    EXPECT_EQ(DiscoverOurCamera(found).accessStatus, 2);
+    EXPECT_EQ(other->Open(0), SDK_OK);
+}
+
+TEST_F(SdkGigeTest, OpenCameraIsConfiguredStreamsAndIsReportedLostWhenItsProcessDies)
+{
+    ICamera* camera = CreateOurCamera();
+    ASSERT_NE(camera, nullptr);
+    ASSERT_EQ(camera->Open(0), SDK_OK);
+    EXPECT_TRUE(camera->IsConnected());
+    ASSERT_NE(camera->GetModule3()->GetXML(), nullptr);
+
+    EXPECT_EQ(Read(camera, "Width"), "512");
+    Write(camera, "Width", "64");
+    Write(camera, "Height", "48");
+    EXPECT_EQ(Read(camera, "Width"), "64");
+    Write(camera, "PixelFormat", "Mono16");
+    EXPECT_EQ(Read(camera, "PixelFormat"), "Mono16");
+    // The stock simulator has no DeviceUserID, so it cannot be renamed.
+    EXPECT_EQ(Features(camera)->GetNode("DeviceUserID"), nullptr);
+    Write(camera, "AcquisitionFrameRate", "200");
+
+    ASSERT_EQ(camera->StartGrabbing(0, 4294967295u), SDK_OK);
+    uint64_t previous = 0;
+    for (int i = 0; i < 3 * 16; ++i) {
+        IImage* image = nullptr;
+        ASSERT_EQ(camera->GetImage(image, kWaitMs), SDK_OK) << "frame " << i;
+        EXPECT_EQ(image->GetWidth(), 64u);
+        EXPECT_EQ(image->GetHeight(), 48u);
+        EXPECT_EQ(image->GetDataSize(), 64u * 48u * 2u);
+        if (previous != 0) {
+            EXPECT_GT(image->GetFrameId(), previous);
+        }
+        previous = image->GetFrameId();
+        image->Release();
+    }
+    EXPECT_TRUE(camera->IsConnected());
+
+    // Kill the camera and poll as the watchdog does, once a second.
+    auto killedAt = std::chrono::steady_clock::now();
+    m_device.Kill();
+    bool connected = true;
+    for (int second = 0; second < 20 && connected; ++second) {
+        connected = camera->IsConnected();
+        if (connected)
+            std::this_thread::sleep_for(std::chrono::seconds(1));
+    }
+    double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - killedAt).count();
+    EXPECT_FALSE(connected);
+    RecordProperty("SecondsUntilLossSeen", std::to_string(seconds));
+    IImage* image = nullptr;
+    EXPECT_NE(camera->GetImage(image, 100), SDK_OK);
+    if (image != nullptr)
+        image->Release();
+    EXPECT_EQ(camera->StopGrabbing(), SDK_OK);
+    EXPECT_EQ(camera->Close(), SDK_OK);
+}
+
+TEST_F(SdkGigeTest, SetCameraIpStoresAPersistentAddressOnly)
+{
+    const std::string serial = m_device.SerialNumber();
+    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_OK);
+    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", false), SDK_ERROR);
+    EXPECT_EQ(SetCameraIP("NO-SUCH-SERIAL", "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_ERROR);
+    EXPECT_EQ(SetCameraIP(nullptr, "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_INVALID_ARGUMENT);
+}
+
+} // namespace

@@ -1,0 +1,245 @@
+// Discovery passes on scripted devices: what the host is told, how cameras are
+// named, classed and attached to adapters, how opened devices are recognised
+// and renamed, and how refresh requests drive the one discovery thread.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "device/DeviceManager.h"
+#include "support/common/DeviceScriptedDevices.h"
+#include "support/common/DeviceTestBench.h"
+
+using DeviceScripted::AddGigECamera;
+using DeviceScripted::AddUsbCamera;
+using Events = DeviceEventRecorder::Events;
+using Scripted::ScriptedSdk;
+
+namespace {
+
+bool Contains(const std::vector<std::string>& keys, const std::string& key)
+{
+    return std::find(keys.begin(), keys.end(), key) != keys.end();
+}
+
+class DiscoveryTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!bench.Ready())
+            GTEST_SKIP() << bench.Failure();
+        ScriptedSdk::Instance().Reset();
+    }
+
+    DeviceManager& Manager() { return bench.Manager(); }
+    DeviceEventRecorder::DeviceList Pass()
+    {
+        EXPECT_TRUE(bench.RunPass());
+        return bench.Events().Snapshot().LastWholeList();
+    }
+    std::string Info(const std::string& id, ViewerBiz3::CAM_INFO info) { return Manager().GetCameraInfo(id, info); }
+
+    DeviceTestBench bench;
+};
+
+} // namespace
+
+TEST_F(DiscoveryTest, PassListsGigEUsbAndSimulatedDevicesUnderTheirAdapters)
+{
+    auto& gige = AddGigECamera("A1", "Line3", "169.254.10.20", "02:00:00:00:00:01");
+    auto& usb = AddUsbCamera("U1", "Usb1");
+    ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("S8", "Sim", ZYLGENICAM::TL_SIMULATED));
+    ScriptedSdk::Instance().AddDevice(Scripted::CameraLinkCamera("C1", "card0"));
+    DeviceEventRecorder::DeviceList list = Pass();
+
+    EXPECT_EQ(list.kind, 0);
+    EXPECT_EQ(list.first.size(), 2u);
+    EXPECT_TRUE(Contains(list.first, DeviceTestBench::ADAPTER_KEY));
+    EXPECT_TRUE(Contains(list.first, "usbCard"));
+    EXPECT_EQ(list.second.size(), 3u) << "Camera Link devices are not searched by a pass";
+    EXPECT_TRUE(Contains(list.second, "Line3(A1)"));
+    EXPECT_TRUE(Contains(list.second, "Usb1(U1)"));
+    EXPECT_TRUE(Contains(list.second, "Sim(S8)"));
+
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_LIST_KEY), DeviceTestBench::ADAPTER_KEY);
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_KIND), "0");
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_SAME_SEGMENT), "1");
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_AVAILABLE), "1");
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_IP), "169.254.10.20");
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_MAC), "02:00:00:00:00:01");
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_MASK), "255.255.0.0");
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_SERIAL), "A1");
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_MODEL_NAME), "Scripted-Area");
+    EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_LIST_KEY), "usbCard");
+    EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_KIND), "3");
+    EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_SAME_SEGMENT), "1");
+    EXPECT_EQ(Info("Sim(S8)", ViewerBiz3::CAM_LIST_KEY), "") << "type 8 hangs under no adapter";
+    EXPECT_EQ(Manager().GetCardInfo(DeviceTestBench::ADAPTER_KEY, ViewerBiz3::CARD_IN_USE), "1");
+    EXPECT_EQ(Manager().GetCardInfo("usbCard", ViewerBiz3::CARD_TYPE), "2");
+    EXPECT_EQ(gige.Counters().recordsCreated, gige.Counters().recordsDestroyed);
+    EXPECT_EQ(usb.Counters().recordsCreated, usb.Counters().recordsDestroyed);
+}
+
+TEST_F(DiscoveryTest, IdentifiersKeepLongNamesFallBackToModelAndListDuplicatesOnce)
+{
+    AddGigECamera("L1", "AVeryLongUserDefinedCameraName", "169.254.10.20", "02:00:00:00:00:01");
+    AddGigECamera("N1", "", "169.254.10.21", "02:00:00:00:00:02");
+    Scripted::DeviceDescription first = Scripted::AreaCamera("D1", "Dup", ZYLGENICAM::TL_SIMULATED);
+    first.identity.modelName = "First-Model";
+    Scripted::DeviceDescription second = Scripted::AreaCamera("D1", "Dup", ZYLGENICAM::TL_SIMULATED);
+    second.identity.modelName = "Second-Model";
+    ScriptedSdk::Instance().AddDevice(first);
+    auto& secondDevice = ScriptedSdk::Instance().AddDevice(second);
+    DeviceEventRecorder::DeviceList list = Pass();
+    EXPECT_TRUE(Contains(list.second, "AVeryLongUserDefinedCameraName(L1)"));
+    EXPECT_TRUE(Contains(list.second, "Scripted-Area(N1)"));
+    EXPECT_EQ(std::count(list.second.begin(), list.second.end(), "Dup(D1)"), 1);
+    EXPECT_EQ(Info("Dup(D1)", ViewerBiz3::CAM_MODEL_NAME), "First-Model") << "the first one found wins";
+    EXPECT_EQ(secondDevice.Counters().camerasCreated, secondDevice.Counters().camerasDestroyed)
+        << "the dropped duplicate's handle is given back";
+}
+
+TEST_F(DiscoveryTest, ClassChosenBySerialAndModel)
+{
+    Scripted::DeviceDescription profile = Scripted::ProfileCamera("F7", "Prof", ZYLGENICAM::TL_SIMULATED);
+    Scripted::DeviceDescription showMode = Scripted::AreaCamera("Q7", "Show", ZYLGENICAM::TL_SIMULATED);
+    showMode.identity.modelName = "XQV-RM200";
+    Scripted::DeviceDescription both = Scripted::AreaCamera("FQ", "Both", ZYLGENICAM::TL_SIMULATED);
+    both.identity.modelName = "QV-RM1";
+    ScriptedSdk::Instance().AddDevice(profile);
+    ScriptedSdk::Instance().AddDevice(showMode);
+    ScriptedSdk::Instance().AddDevice(both);
+    ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("P7", "Plain", ZYLGENICAM::TL_SIMULATED));
+    AddUsbCamera("FU", "UsbProfile");
+    Pass();
+    EXPECT_EQ(Info("Prof(F7)", ViewerBiz3::CAM_KIND), "1");
+    EXPECT_EQ(Info("Show(Q7)", ViewerBiz3::CAM_KIND), "5");
+    EXPECT_EQ(Info("Both(FQ)", ViewerBiz3::CAM_KIND), "1") << "the serial is tested first";
+    EXPECT_EQ(Info("Plain(P7)", ViewerBiz3::CAM_KIND), "0");
+    EXPECT_EQ(Info("UsbProfile(FU)", ViewerBiz3::CAM_KIND), "3");
+    EXPECT_EQ(Manager().SetSLCameraShowMode("Show(Q7)", 1), -2);
+    EXPECT_EQ(Manager().GetSLCameraShowMode("Show(Q7)"), 1) << "a show-mode camera object";
+}
+
+TEST_F(DiscoveryTest, CameraOutsideItsAdaptersSubnetIsListedUnavailable)
+{
+    AddGigECamera("X1", "Far", "192.168.5.5", "02:00:00:00:00:01");
+    auto& description = *ScriptedSdk::Instance().FindDevice("X1");
+    description.UpdateIdentity([](Scripted::DeviceIdentity& identity) { identity.mask = "255.255.255.0"; });
+    Pass();
+    EXPECT_EQ(Info("Far(X1)", ViewerBiz3::CAM_LIST_KEY), DeviceTestBench::ADAPTER_KEY);
+    EXPECT_EQ(Info("Far(X1)", ViewerBiz3::CAM_SAME_SEGMENT), "0");
+    EXPECT_EQ(Info("Far(X1)", ViewerBiz3::CAM_AVAILABLE), "0");
+}
+
+TEST_F(DiscoveryTest, AdaptersWithoutCamerasAreLeftOut)
+{
+    auto& usb = AddUsbCamera("U1", "Usb1");
+    DeviceEventRecorder::DeviceList list = Pass();
+    EXPECT_EQ(list.first, std::vector<std::string>{"usbCard"}) << "the namespace adapter carries no camera";
+    usb.SetPresent(false);
+    list = Pass();
+    EXPECT_TRUE(list.first.empty());
+    EXPECT_TRUE(list.second.empty());
+    EXPECT_EQ(Manager().GetCardInfo("usbCard", ViewerBiz3::CARD_KEY), "");
+}
+
+TEST_F(DiscoveryTest, RenamedOpenedGigECameraKeepsItsKey)
+{
+    auto& device = AddGigECamera("G1", "Old", "169.254.10.20", "02:00:00:00:00:01");
+    Pass();
+    ASSERT_EQ(Manager().OpenCamera("Old(G1)"), 0);
+    uint64_t handles = device.Counters().camerasCreated;
+    device.UpdateIdentity([](Scripted::DeviceIdentity& identity) { identity.userDefinedName = "New"; });
+    bench.Events().Clear();
+    DeviceEventRecorder::DeviceList list = Pass();
+    Events events = bench.Events().Snapshot();
+    ASSERT_EQ(events.cameraIds.size(), 1u);
+    EXPECT_EQ(events.cameraIds[0].first, "Old(G1)");
+    EXPECT_EQ(events.cameraIds[0].second, "New(G1)");
+    EXPECT_EQ(Manager().GetOpenedCameraIds(), std::vector<std::string>{"Old(G1)"});
+    EXPECT_EQ(list.second, std::vector<std::string>{"Old(G1)"});
+    EXPECT_EQ(Info("New(G1)", ViewerBiz3::CAM_NAME), "New(G1)");
+    EXPECT_EQ(device.Counters().camerasCreated, handles) << "the opened object is reused, not recreated";
+    Pass();
+    EXPECT_EQ(bench.Events().Snapshot().cameraIds.size(), 1u) << "announced once";
+}
+
+TEST_F(DiscoveryTest, RenamedOpenedUsbCameraIsReKeyed)
+{
+    auto& device = AddUsbCamera("U1", "Old");
+    Pass();
+    ASSERT_EQ(Manager().OpenCamera("Old(U1)"), 0);
+    device.UpdateIdentity([](Scripted::DeviceIdentity& identity) { identity.userDefinedName = "New"; });
+    DeviceEventRecorder::DeviceList list = Pass();
+    Events events = bench.Events().Snapshot();
+    ASSERT_EQ(events.cameraIds.size(), 1u);
+    EXPECT_EQ(events.cameraIds[0].first, "Old(U1)");
+    EXPECT_EQ(events.cameraIds[0].second, "New(U1)");
+    EXPECT_EQ(Manager().GetOpenedCameraIds(), std::vector<std::string>{"New(U1)"});
+    // The list of the pass that saw the rename was copied before it; the next one carries the new key.
+    EXPECT_EQ(list.second, std::vector<std::string>{"Old(U1)"});
+    EXPECT_EQ(Pass().second, std::vector<std::string>{"New(U1)"});
+    EXPECT_EQ(Manager().CloseCamera("New(U1)"), 0);
+    EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
+}
+
+TEST_F(DiscoveryTest, ClosingACameraMakesTheNextWakeUpRunTwoPasses)
+{
+    AddGigECamera("A1", "Cam", "169.254.10.20", "02:00:00:00:00:01");
+    Pass();
+    ASSERT_EQ(Manager().OpenCamera("Cam(A1)"), 0);
+    ASSERT_EQ(Manager().CloseCamera("Cam(A1)"), 0);
+    uint64_t searches = ScriptedSdk::Instance().Counters().discoveries;
+    std::size_t lists = bench.Events().Snapshot().WholeLists();
+    Manager().RefreshDeviceList(1);
+    ASSERT_TRUE(bench.WaitForPasses(lists + 2));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, searches + 2);
+    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), lists + 2);
+}
+
+TEST_F(DiscoveryTest, CameraLinkRefreshAloneStartsNoDiscovery)
+{
+    Manager().RefreshDeviceList(ZYLGENICAM::TL_CAMERALINK);
+    Manager().RefreshDeviceList(0x8000);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, 0u);
+    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 0u);
+}
+
+TEST_F(DiscoveryTest, QuickRefreshesShareTheOneDiscoveryThread)
+{
+    AddGigECamera("A1", "Cam", "169.254.10.20", "02:00:00:00:00:01");
+    ScriptedSdk::Instance().SetDiscoveryDelay(std::chrono::milliseconds(300));
+    for (int request = 0; request < 3; ++request)
+        EXPECT_EQ(Manager().RefreshDeviceList(1), 0);
+    ASSERT_TRUE(bench.WaitForPasses(2));
+    std::this_thread::sleep_for(std::chrono::milliseconds(800));
+    // One thread: the first request runs a pass, the others only leave one wake-up behind.
+    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, 2u);
+    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 2u);
+}
+
+TEST_F(DiscoveryTest, TypesSearchedAreThoseOfTheStoredMask)
+{
+    AddGigECamera("A1", "Cam", "169.254.10.20", "02:00:00:00:00:01");
+    AddUsbCamera("U1", "Usb");
+    Manager().SetTLTypeList(ZYLGENICAM::TL_USB);
+    EXPECT_EQ(Manager().GetTLTypeList(), static_cast<unsigned long long>(ZYLGENICAM::TL_USB));
+    DeviceEventRecorder::DeviceList list = Pass();
+    EXPECT_EQ(list.second, std::vector<std::string>{"Usb(U1)"});
+}
+
+TEST_F(DiscoveryTest, ManagerGoesAwayWhileAPassIsRunning)
+{
+    auto& device = AddGigECamera("A1", "Cam", "169.254.10.20", "02:00:00:00:00:01");
+    ScriptedSdk::Instance().SetDiscoveryDelay(std::chrono::milliseconds(500));
+    Manager().RefreshDeviceList(1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    bench.ReleaseManager();
+    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 0u) << "the dropped pass publishes nothing";
+    EXPECT_EQ(device.Counters().recordsCreated, device.Counters().recordsDestroyed);
+    EXPECT_EQ(device.Counters().camerasCreated, device.Counters().camerasDestroyed);
+    EXPECT_EQ(ScriptedSdk::Instance().Counters().misuses, 0u);
+}

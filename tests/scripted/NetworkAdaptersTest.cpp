@@ -1,0 +1,121 @@
+// Host adapters as discovery sees them, and the dotted-address helpers behind
+// the subnet test. Adapter listings run only inside a namespace of the test's own.
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "device/Card.h"
+#include "device/DeviceManager.h"
+#include "device/NetworkAdapters.h"
+#include "support/common/NetworkNamespace.h"
+
+namespace {
+
+// The members under test touch no manager state; one instance serves every case.
+class AddressTextTest : public ::testing::Test {
+protected:
+    DeviceManager& Manager() { return *DeviceManager::getInstance(); }
+    void TearDown() override { DeviceManager::getInstance()->Release(); }
+};
+
+} // namespace
+
+TEST_F(AddressTextTest, SubnetTableOfTheNetworkSettings)
+{
+    DeviceManager& manager = Manager();
+    EXPECT_TRUE(manager.IsNetworkSameSegment("192.168.1.10", "255.255.255.0", "192.168.1.200", "255.255.255.0"));
+    EXPECT_FALSE(manager.IsNetworkSameSegment("192.168.2.10", "255.255.255.0", "192.168.1.200", "255.255.255.0"));
+    EXPECT_TRUE(manager.IsNetworkSameSegment("10.0.0.5", "255.0.0.0", "10.1.2.3", "255.0.0.0"));
+    EXPECT_FALSE(manager.IsNetworkSameSegment("10.0.0.5", "255.0.255.0", "10.0.0.3", "255.0.255.0"))
+        << "a first mask with a hole is rejected";
+    EXPECT_TRUE(manager.IsNetworkSameSegment("192.168.1.10", "255.255.255.0", "192.168.1.10", "255.255.255.0"));
+    EXPECT_FALSE(manager.IsNetworkSameSegment("192.168.1.10", "255.255.255.0", "192.168.01.10", "255.255.255.0"))
+        << "pieces are compared as text";
+    EXPECT_FALSE(manager.IsNetworkSameSegment("192.168.1.10", "255.255.255", "192.168.1.10", "255.255.255.0"));
+    EXPECT_FALSE(manager.IsNetworkSameSegment("", "", "", ""));
+    EXPECT_FALSE(manager.IsNetworkSameSegment("a.b.c.d", "x.255.255.0", "a.b.c.e", "255.255.255.0"))
+        << "garbage gives an answer, never a crash";
+}
+
+TEST_F(AddressTextTest, SplittingKeepsInnerEmptyPiecesOnly)
+{
+    DeviceManager& manager = Manager();
+    EXPECT_EQ(manager.StringSplit("a..b", '.'), (std::vector<std::string>{"a", "", "b"}));
+    EXPECT_EQ(manager.StringSplit("a.b.", '.'), (std::vector<std::string>{"a", "b"}));
+    EXPECT_TRUE(manager.StringSplit("", '.').empty());
+}
+
+TEST_F(AddressTextTest, NetworkPartAndDottedText)
+{
+    DeviceManager& manager = Manager();
+    EXPECT_EQ(manager.GetNetworkSegment("192.168.1.10", "255.255.255.0"), "192.168.1.0");
+    EXPECT_EQ(manager.GetNetworkSegment("192.168.1", "255.255.255.0"), "");
+    EXPECT_EQ(UlongToIPString(0), "0.0.0.0");
+    EXPECT_EQ(UlongToIPString(inet_addr("192.168.1.10")), "192.168.1.10");
+    std::string text = "2024";
+    EXPECT_FALSE(isDstFormat(text, "%Y"));
+    EXPECT_EQ(GetMACAddress(nullptr), "");
+}
+
+namespace {
+
+// One line per adapter: key|type|interface|MAC|address|mask|gateway|in-use.
+std::string DescribeAdaptersSeenHere()
+{
+    std::ostringstream text;
+    auto adapters = DeviceManager::getInstance()->GetNetworkCards();
+    for (auto& entry : adapters) {
+        Card* card = entry.second;
+        text << entry.first << "|" << card->GetInfo(ViewerBiz3::CARD_TYPE) << "|"
+             << card->GetInfo(ViewerBiz3::CARD_INTERFACE_NAME) << "|" << card->GetInfo(ViewerBiz3::CARD_MAC) << "|"
+             << card->GetInfo(ViewerBiz3::CARD_IP) << "|" << card->GetInfo(ViewerBiz3::CARD_MASK) << "|"
+             << card->GetInfo(ViewerBiz3::CARD_GATEWAY) << "|" << card->GetInfo(ViewerBiz3::CARD_IN_USE) << "\n";
+        delete card;
+    }
+    return text.str();
+}
+
+} // namespace
+
+TEST(NetworkAdapters, VethOfTheTestNamespaceIsListedLoopbackIsNot)
+{
+    NetworkNamespace space({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, "", "02:00:00:00:10:01"},
+                            NetworkNamespace::Veth{"vb3c", "vb3d", "169.254.20.1", 24, "169.254.20.2", ""}});
+    if (!space.IsReady())
+        GTEST_SKIP() << space.Failure();
+    std::string listing;
+    ASSERT_TRUE(space.RunInside(DescribeAdaptersSeenHere, listing));
+    EXPECT_NE(listing.find("vb3a[169.254.10.1]|1|vb3a|02:00:00:00:10:01|169.254.10.1|255.255.0.0|0.0.0.0|0\n"),
+              std::string::npos)
+        << listing;
+    EXPECT_NE(listing.find("vb3c[169.254.20.1]|1|vb3c|"), std::string::npos) << listing;
+    EXPECT_NE(listing.find("vb3d[169.254.20.2]|1|vb3d|"), std::string::npos) << listing;
+    EXPECT_NE(listing.find("|169.254.20.1|255.255.255.0|"), std::string::npos) << listing;
+    EXPECT_EQ(listing.find("lo["), std::string::npos) << "loopback has no broadcast flag: " << listing;
+    EXPECT_EQ(listing.find("vb3b"), std::string::npos) << "an interface without IPv4 address: " << listing;
+    EXPECT_EQ(std::count(listing.begin(), listing.end(), '\n'), 3) << listing;
+}
+
+TEST(NetworkAdapters, InterfaceDownIsNotListed)
+{
+    NetworkNamespace space({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, "", ""}});
+    if (!space.IsReady())
+        GTEST_SKIP() << space.Failure();
+    ASSERT_TRUE(space.Ip("link set vb3a down"));
+    std::string listing;
+    ASSERT_TRUE(space.RunInside(DescribeAdaptersSeenHere, listing));
+    EXPECT_EQ(listing, "");
+}
+
+TEST(NetworkAdapters, MacAddressOfAnInterfaceInTheNamespace)
+{
+    NetworkNamespace space({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, "", "02:ab:cd:00:00:7f"}});
+    if (!space.IsReady())
+        GTEST_SKIP() << space.Failure();
+    std::string text;
+    ASSERT_TRUE(space.RunInside([] { return GetMACAddress("vb3a") + "," + GetMACAddress("missing0"); }, text));
+    EXPECT_EQ(text, "02:AB:CD:00:00:7F,");
+}

@@ -1,0 +1,72 @@
+// Records what the device manager tells the host: device-list, focus,
+// camera-identifier, image-mode, show-mode, statistics and image events.
+// Images are released at once, as a host would after drawing them.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "ViewerBiz3Listeners.h"
+
+class DeviceEventRecorder final : public ViewerBiz3::IDeviceListUpdate,
+                                  public ViewerBiz3::IFocusUpdate,
+                                  public ViewerBiz3::ICameraIdUpdate,
+                                  public ViewerBiz3::IImageModeUpdate,
+                                  public ViewerBiz3::ISLImageShowModeUpdate,
+                                  public ViewerBiz3::IAcqStatisticUpdate,
+                                  public ViewerBiz3::IImageUpdate {
+public:
+    struct DeviceList {
+        int kind;
+        std::vector<std::string> first;
+        std::vector<std::string> second;
+    };
+    struct Pair {
+        std::string first;
+        std::string second;
+    };
+    struct Events {
+        std::vector<DeviceList> deviceLists;
+        std::vector<Pair> focus;      // (type as text, id)
+        std::vector<Pair> cameraIds;  // (old id, new name)
+        std::vector<Pair> imageModes; // (key, mode)
+        std::vector<Pair> showModes;  // (id, mode)
+        std::size_t statistics = 0;
+        std::size_t images = 0;
+
+        std::size_t WholeLists() const;
+        // The last whole-list notification (kind 0); empty lists when none came.
+        DeviceList LastWholeList() const;
+    };
+
+    // Registers with every list of the process's event manager; unregisters when destroyed.
+    DeviceEventRecorder();
+    ~DeviceEventRecorder() override;
+    DeviceEventRecorder(const DeviceEventRecorder&) = delete;
+    DeviceEventRecorder& operator=(const DeviceEventRecorder&) = delete;
+
+    Events Snapshot() const;
+    bool WaitUntil(const std::function<bool(const Events&)>& condition,
+                   std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
+    void Clear();
+
+    void OnDeviceListUpdate(int kind, std::vector<std::string> first, std::vector<std::string> second) override;
+    void OnFocusUpdate(ViewerBiz3::FOCUS_TYPE type, std::string deviceId) override;
+    void OnCameraIdUpdate(std::string oldId, std::string newName) override;
+    void OnImageModeUpdate(std::string cameraKey, int imageMode) override;
+    void OnSLImageShowModeUpdate(std::string cameraId, int showMode) override;
+    void OnAcqStatisticUpdate(std::string cameraName, bool fromSetInfo) override;
+    void OnImageUpdate(std::string cameraKey, void* image, int extra1, int extra2) override;
+
+private:
+    template <typename Change>
+    void Record(Change change);
+
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
+    Events m_events;
+};

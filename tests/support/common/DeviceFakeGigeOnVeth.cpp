@@ -1,0 +1,68 @@
+#include "support/common/DeviceFakeGigeOnVeth.h"
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include "support/common/FakeGigeCamera.h"
+
+namespace {
+
+bool Run(const std::string& command)
+{
+    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+} // namespace
+
+DeviceFakeGigeOnVeth::DeviceFakeGigeOnVeth(std::string serialNumber) : m_serialNumber(std::move(serialNumber)) {}
+
+DeviceFakeGigeOnVeth::~DeviceFakeGigeOnVeth()
+{
+    if (m_pid > 0) {
+        kill(m_pid, SIGKILL);
+        waitpid(m_pid, nullptr, 0);
+    }
+    if (m_linkMade)
+        Run("ip link del vb3g0");
+}
+
+bool DeviceFakeGigeOnVeth::Start(std::string& failure)
+{
+    if (!FakeGigeCamera::ProgramAvailable()) {
+        failure = std::string(FakeGigeCamera::kProgram) + " (aravis-tools) is not installed";
+        return false;
+    }
+    m_cameraSpace = std::make_unique<NetworkNamespace>(std::vector<NetworkNamespace::Veth>{});
+    if (!m_cameraSpace->IsReady()) {
+        failure = m_cameraSpace->Failure();
+        return false;
+    }
+    // The adapter end stays in the calling thread's namespace, the camera end moves to its own.
+    m_linkMade = Run("ip link add vb3g0 type veth peer name vb3g1 netns " + m_cameraSpace->Name());
+    bool ready = m_linkMade && Run("ip addr add 169.254.30.1/16 broadcast + dev vb3g0") &&
+                 Run("ip link set vb3g0 up") &&
+                 m_cameraSpace->Ip("addr add " + std::string(CAMERA_ADDRESS) + "/16 broadcast + dev vb3g1") &&
+                 m_cameraSpace->Ip("link set vb3g1 up");
+    if (!ready) {
+        failure = "cannot build the veth link to the camera's namespace";
+        return false;
+    }
+    m_pid = fork();
+    if (m_pid == 0) {
+        execlp("ip", "ip", "netns", "exec", m_cameraSpace->Name().c_str(), FakeGigeCamera::kProgram, "-i",
+               CAMERA_ADDRESS, "-s", m_serialNumber.c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    if (m_pid < 0) {
+        failure = "cannot start the simulated camera";
+        return false;
+    }
+    // Give the camera a moment to bind its sockets; discovery is retried by the caller anyway.
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    return true;
+}

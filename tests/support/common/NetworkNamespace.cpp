@@ -1,0 +1,117 @@
+#include "support/common/NetworkNamespace.h"
+
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+
+namespace {
+
+bool Run(const std::string& command)
+{
+    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+std::string UniqueName()
+{
+    static std::atomic<int> counter{0};
+    return "vb3dev-" + std::to_string(getpid()) + "-" + std::to_string(counter.fetch_add(1));
+}
+
+} // namespace
+
+NetworkNamespace::NetworkNamespace(const std::vector<Veth>& pairs) : m_name(UniqueName())
+{
+    if (!Run("ip netns add " + m_name)) {
+        m_failure = "cannot create a network namespace (ip netns add " + m_name + " failed)";
+        return;
+    }
+    bool ok = Ip("link set lo up");
+    for (const Veth& veth : pairs) {
+        std::string address = veth.mac.empty() ? "" : " address " + veth.mac;
+        ok = ok && Ip("link add " + veth.name + address + " type veth peer name " + veth.peerName);
+        ok = ok && Ip("addr add " + veth.address + "/" + std::to_string(veth.prefixLength) + " broadcast + dev " +
+                      veth.name);
+        if (!veth.peerAddress.empty())
+            ok = ok && Ip("addr add " + veth.peerAddress + "/" + std::to_string(veth.prefixLength) +
+                          " broadcast + dev " + veth.peerName);
+        ok = ok && Ip("link set " + veth.name + " up") && Ip("link set " + veth.peerName + " up");
+    }
+    if (!ok) {
+        m_failure = "cannot set up veth interfaces in network namespace " + m_name;
+        return;
+    }
+    m_ready = true;
+}
+
+NetworkNamespace::~NetworkNamespace()
+{
+    if (m_entered && m_originalNamespace >= 0)
+        setns(m_originalNamespace, CLONE_NEWNET);
+    if (m_originalNamespace >= 0)
+        close(m_originalNamespace);
+    Run("ip netns del " + m_name);
+}
+
+bool NetworkNamespace::Ip(const std::string& arguments)
+{
+    return Run("ip -n " + m_name + " " + arguments);
+}
+
+bool NetworkNamespace::Enter()
+{
+    if (!m_ready)
+        return false;
+    int target = open(("/var/run/netns/" + m_name).c_str(), O_RDONLY | O_CLOEXEC);
+    if (target < 0)
+        return false;
+    if (m_originalNamespace < 0)
+        m_originalNamespace = open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC);
+    m_entered = setns(target, CLONE_NEWNET) == 0;
+    close(target);
+    return m_entered;
+}
+
+bool NetworkNamespace::RunInside(const std::function<std::string()>& work, std::string& output)
+{
+    output.clear();
+    if (!m_ready)
+        return false;
+    int channel[2];
+    if (pipe(channel) != 0)
+        return false;
+    pid_t child = fork();
+    if (child < 0) {
+        close(channel[0]);
+        close(channel[1]);
+        return false;
+    }
+    if (child == 0) {
+        close(channel[0]);
+        int target = open(("/var/run/netns/" + m_name).c_str(), O_RDONLY | O_CLOEXEC);
+        if (target < 0 || setns(target, CLONE_NEWNET) != 0)
+            _exit(1);
+        std::string text = work();
+        std::size_t written = 0;
+        while (written < text.size()) {
+            ssize_t step = write(channel[1], text.data() + written, text.size() - written);
+            if (step <= 0)
+                _exit(1);
+            written += static_cast<std::size_t>(step);
+        }
+        _exit(0);
+    }
+    close(channel[1]);
+    char buffer[4096];
+    ssize_t step;
+    while ((step = read(channel[0], buffer, sizeof(buffer))) > 0)
+        output.append(buffer, static_cast<std::size_t>(step));
+    close(channel[0]);
+    int status = 0;
+    if (waitpid(child, &status, 0) != child)
+        return false;
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}

@@ -1,0 +1,46 @@
+// A named network namespace made for one test ("ip netns add"), holding a veth
+// pair with link-local addresses, so adapter code sees known interfaces and
+// nothing reaches the machine's own network. Deleted when the object goes away.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class NetworkNamespace {
+public:
+    struct Veth {
+        std::string name;          // the end the code under test looks at
+        std::string peerName;      // the other end, without address unless peerAddress is set
+        std::string address;       // e.g. "169.254.10.1"
+        int prefixLength = 16;
+        std::string peerAddress;   // optional
+        std::string mac;           // optional, e.g. "02:00:00:00:10:01"
+    };
+
+    // Creates the namespace with loopback up and the given veth pairs (both ends up).
+    explicit NetworkNamespace(const std::vector<Veth>& pairs);
+    ~NetworkNamespace();
+    NetworkNamespace(const NetworkNamespace&) = delete;
+    NetworkNamespace& operator=(const NetworkNamespace&) = delete;
+
+    // False (with the reason) when the namespace could not be made; tests skip then.
+    bool IsReady() const { return m_ready; }
+    const std::string& Failure() const { return m_failure; }
+    const std::string& Name() const { return m_name; }
+
+    // Moves the calling thread (and every thread it starts later) into the namespace.
+    bool Enter();
+    // Runs the work in a forked child inside the namespace and hands back the text it returned;
+    // false when the child could not enter the namespace or did not finish.
+    bool RunInside(const std::function<std::string()>& work, std::string& output);
+    // Runs an "ip" command inside the namespace; true on exit status 0.
+    bool Ip(const std::string& arguments);
+
+private:
+    std::string m_name;
+    bool m_ready = false;
+    bool m_entered = false;
+    int m_originalNamespace = -1;
+    std::string m_failure;
+};

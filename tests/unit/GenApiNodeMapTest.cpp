@@ -1,0 +1,364 @@
+// The GenApi layer over ArvGc, driven by a GenICam document of our own (every node type, ranges,
+// access modes, availability), as a host building its property tree would use it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "genapi/GenApi.h"
+#include "genapi/NodeMapFactory.h"
+#include "support/common/TextFile.h"
+
+using namespace GenApi;
+
+namespace {
+
+std::unique_ptr<INodeMap> LoadFeatures() {
+    const std::string xml = ReadTextFile(std::string(VB3_TEST_DATA_DIR) + "/genapi_features.xml");
+    EXPECT_FALSE(xml.empty());
+    return CreateNodeMapFromXml(xml, "GenApiTestDevice");
+}
+
+std::vector<std::string> NamesOf(const NodeList_t& nodes) {
+    std::vector<std::string> names;
+    for (INode* node : nodes) {
+        names.push_back(node->GetName());
+    }
+    return names;
+}
+
+class GenApiNodeMap : public ::testing::Test {
+protected:
+    std::unique_ptr<INodeMap> nodeMap = LoadFeatures();
+};
+
+} // namespace
+
+TEST_F(GenApiNodeMap, FindsNodesByNameAndKeepsThemStable) {
+    INode* width = nodeMap->GetNode("Width");
+    ASSERT_NE(width, nullptr);
+    EXPECT_EQ(width, nodeMap->GetNode("Width"));
+    EXPECT_EQ(std::string(width->GetName()), "Width");
+    EXPECT_EQ(std::string(width->GetName(true)), "Std::Width");
+    EXPECT_EQ(width->GetNodeMap(), nodeMap.get());
+    EXPECT_EQ(std::string(nodeMap->GetDeviceName()), "GenApiTestDevice");
+
+    EXPECT_EQ(nodeMap->GetNode("NoSuchNode"), nullptr);
+    EXPECT_EQ(nodeMap->GetNode(""), nullptr);
+    EXPECT_EQ(nodeMap->GetNode(std::string(100000, 'W')), nullptr);
+    // Entries are reached under GenApi's composed name only.
+    EXPECT_EQ(nodeMap->GetNode("Mono8"), nullptr);
+    ASSERT_NE(nodeMap->GetNode("EnumEntry_PixelFormat_Mono8"), nullptr);
+    EXPECT_EQ(nodeMap->GetNode("EnumEntry_PixelFormat_Nothing"), nullptr);
+}
+
+TEST_F(GenApiNodeMap, ListsEveryNodeOnce) {
+    NodeList_t nodes;
+    nodeMap->GetNodes(nodes);
+    const std::vector<std::string> names = NamesOf(nodes);
+    for (const char* expected : {"Root", "Width", "PixelFormat", "EnumEntry_PixelFormat_RGB8", "LutTable", "Device"}) {
+        EXPECT_EQ(std::count(names.begin(), names.end(), expected), 1) << expected;
+    }
+    EXPECT_EQ(nodes.front(), nodeMap->GetNode("Root"));
+}
+
+TEST_F(GenApiNodeMap, ReportsThePrincipalInterfaceOfEveryNodeType) {
+    const std::vector<std::pair<const char*, EInterfaceType>> expected = {
+        {"Width", intfIInteger},
+        {"DeviceTemperatureRaw", intfIInteger},
+        {"Gain", intfIFloat},
+        {"ReverseX", intfIBoolean},
+        {"DeviceUserID", intfIString},
+        {"AcquisitionStart", intfICommand},
+        {"PixelFormat", intfIEnumeration},
+        {"EnumEntry_PixelFormat_Mono8", intfIEnumEntry},
+        {"Root", intfICategory},
+        {"LutTable", intfIRegister},
+        {"Device", intfIPort}};
+    for (const auto& [name, type] : expected) {
+        ASSERT_NE(nodeMap->GetNode(name), nullptr) << name;
+        EXPECT_EQ(nodeMap->GetNode(name)->GetPrincipalInterfaceType(), type) << name;
+    }
+}
+
+TEST_F(GenApiNodeMap, SmartPointersCastToTheNodesInterfaceOnly) {
+    CIntegerPtr width = nodeMap->GetNode("Width");
+    CFloatPtr widthAsFloat = nodeMap->GetNode("Width");
+    CIntegerPtr enumerationAsInteger = nodeMap->GetNode("PixelFormat");
+    CEnumerationPtr enumeration = nodeMap->GetNode("PixelFormat");
+    CIntegerPtr missing = nodeMap->GetNode("NoSuchNode");
+    CNodePtr node(width->GetNode());
+
+    EXPECT_TRUE(width.IsValid());
+    EXPECT_FALSE(widthAsFloat.IsValid());
+    EXPECT_FALSE(enumerationAsInteger);
+    EXPECT_TRUE(enumeration);
+    EXPECT_FALSE(missing.IsValid());
+    EXPECT_EQ(std::string(node->GetName()), "Width");
+    EXPECT_FALSE(IsReadable(missing));
+    EXPECT_FALSE(IsWritable(widthAsFloat));
+
+    try {
+        missing->GetValue();
+        FAIL() << "an empty pointer was dereferenced without an exception";
+    } catch (const GenICam::LogicalErrorException& exception) {
+        EXPECT_STREQ(exception.GetDescription(), "NULL pointer dereferenced");
+    }
+    EXPECT_THROW(*widthAsFloat, GenICam::LogicalErrorException);
+}
+
+TEST_F(GenApiNodeMap, DescribesNodesAsTheHostShowsThem) {
+    INode* width = nodeMap->GetNode("Width");
+    EXPECT_EQ(std::string(width->GetDisplayName()), "Image Width");
+    EXPECT_EQ(std::string(width->GetToolTip()), "Width of the image in pixels.");
+    EXPECT_EQ(std::string(width->GetDescription()), "Width of the image provided by the device, in pixels.");
+    EXPECT_EQ(std::string(nodeMap->GetNode("Height")->GetDisplayName()), "Height");
+    EXPECT_EQ(std::string(nodeMap->GetNode("Height")->GetToolTip()), "");
+
+    EXPECT_EQ(width->GetVisibility(), Beginner);
+    EXPECT_EQ(nodeMap->GetNode("Height")->GetVisibility(), Expert);
+    EXPECT_EQ(nodeMap->GetNode("SensorWidth")->GetVisibility(), Guru);
+    EXPECT_EQ(nodeMap->GetNode("DeviceKey")->GetVisibility(), Invisible);
+    EXPECT_EQ(nodeMap->GetNode("Gain")->GetVisibility(), Beginner);
+
+    EXPECT_TRUE(width->IsFeature());
+    EXPECT_TRUE(nodeMap->GetNode("ImageFormatControl")->IsFeature());
+    EXPECT_FALSE(nodeMap->GetNode("OneFlag")->IsFeature());
+    EXPECT_FALSE(nodeMap->GetNode("LutTable")->IsFeature());
+}
+
+TEST_F(GenApiNodeMap, GetPropertyGivesTheAvailabilityNodeAsWritten) {
+    GenICam::gcstring value = "untouched";
+    GenICam::gcstring attribute = "untouched";
+    EXPECT_FALSE(nodeMap->GetNode("Width")->GetProperty("pIsAvailable", value, attribute));
+    EXPECT_EQ(std::string(value), "untouched");
+
+    EXPECT_TRUE(nodeMap->GetNode("UnavailableFeature")->GetProperty("pIsAvailable", value, attribute));
+    EXPECT_EQ(std::string(value), "ZeroFlag");
+    EXPECT_TRUE(nodeMap->GetNode("DanglingFeature")->GetProperty("pIsAvailable", value, attribute));
+    EXPECT_EQ(std::string(value), "NoSuchFlag");
+    EXPECT_TRUE(nodeMap->GetNode("Root")->GetProperty("pFeature", value, attribute));
+    EXPECT_EQ(std::string(value), "ImageFormatControl\tAcquisitionControl\tDeviceControl\tAvailabilityControl");
+
+    NodeList_t children;
+    nodeMap->GetNode("UnavailableFeature")->GetChildren(children);
+    EXPECT_EQ(NamesOf(children), std::vector<std::string>{"ZeroFlag"});
+    nodeMap->GetNode("AcquisitionMode")->GetChildren(children);
+    EXPECT_EQ(NamesOf(children), (std::vector<std::string>{"EnumEntry_AcquisitionMode_SingleFrame",
+                                                           "EnumEntry_AcquisitionMode_Continuous"}));
+}
+
+TEST_F(GenApiNodeMap, AccessModeFoldsInImplementedAvailableAndLocked) {
+    const std::vector<std::pair<const char*, EAccessMode>> expected = {{"Width", RW},
+                                                                       {"SensorWidth", RO},
+                                                                       {"DeviceKey", WO},
+                                                                       {"AvailableFeature", RW},
+                                                                       {"UnavailableFeature", NA},
+                                                                       {"DanglingFeature", NA},
+                                                                       {"LockedFeature", RO},
+                                                                       {"UnimplementedFeature", NI},
+                                                                       {"Root", RO},
+                                                                       {"DeviceReset", RW},
+                                                                       {"AcquisitionStart", RW},
+                                                                       {"EnumEntry_PixelFormat_Mono8", RO},
+                                                                       {"EnumEntry_PixelFormat_Mono12", NA},
+                                                                       {"DeviceTemperatureRaw", RO},
+                                                                       {"AcquisitionMode", RO}};
+    for (const auto& [name, mode] : expected) {
+        EXPECT_EQ(nodeMap->GetNode(name)->GetAccessMode(), mode) << name;
+    }
+    EXPECT_FALSE(IsAvailable(nodeMap->GetNode("UnavailableFeature")));
+    EXPECT_TRUE(IsImplemented(nodeMap->GetNode("UnavailableFeature")));
+    EXPECT_FALSE(IsImplemented(nodeMap->GetNode("UnimplementedFeature")));
+    EXPECT_TRUE(IsReadable(CIntegerPtr(nodeMap->GetNode("LockedFeature"))));
+    EXPECT_FALSE(IsWritable(CIntegerPtr(nodeMap->GetNode("LockedFeature"))));
+}
+
+TEST_F(GenApiNodeMap, IntegerWritesAreVerifiedAgainstRangeIncrementAndAccess) {
+    CIntegerPtr width = nodeMap->GetNode("Width");
+    EXPECT_EQ(width->GetValue(), 640);
+    EXPECT_EQ(width->GetMin(), 16);
+    EXPECT_EQ(width->GetMax(), 1024);
+    EXPECT_EQ(width->GetInc(), 8);
+    EXPECT_EQ(std::string(width->GetUnit()), "px");
+
+    width->SetValue(1024);
+    EXPECT_EQ(width->GetValue(true, true), 1024);
+    EXPECT_THROW(width->SetValue(1032), GenICam::OutOfRangeException);
+    EXPECT_THROW(width->SetValue(8), GenICam::OutOfRangeException);
+    EXPECT_THROW(width->SetValue(20), GenICam::OutOfRangeException);
+    EXPECT_EQ(width->GetValue(), 1024);
+
+    // Without Verify the value goes through, and a verified read then reports it as out of range.
+    width->SetValue(1100, false);
+    EXPECT_EQ(width->GetValue(), 1100);
+    EXPECT_THROW(width->GetValue(true), GenICam::OutOfRangeException);
+
+    EXPECT_THROW(CIntegerPtr(nodeMap->GetNode("SensorWidth"))->SetValue(2048), GenICam::AccessException);
+    EXPECT_THROW(CIntegerPtr(nodeMap->GetNode("DeviceKey"))->GetValue(), GenICam::AccessException);
+    EXPECT_THROW(CIntegerPtr(nodeMap->GetNode("UnavailableFeature"))->GetValue(), GenICam::AccessException);
+    EXPECT_THROW(CIntegerPtr(nodeMap->GetNode("LockedFeature"))->SetValue(1), GenICam::AccessException);
+    CIntegerPtr(nodeMap->GetNode("DeviceKey"))->SetValue(1234);
+}
+
+TEST_F(GenApiNodeMap, IntegerTextConversion) {
+    CIntegerPtr width = nodeMap->GetNode("Width");
+    width->FromString("0x100");
+    EXPECT_EQ(std::string(width->ToString()), "256");
+    EXPECT_THROW(width->FromString("12abc"), GenICam::InvalidArgumentException);
+    EXPECT_THROW(width->FromString(""), GenICam::InvalidArgumentException);
+    EXPECT_THROW(width->FromString("99999999999999999999999"), GenICam::InvalidArgumentException);
+    EXPECT_EQ(width->GetValue(), 256);
+    CIntegerPtr height = nodeMap->GetNode("Height");
+    height->SetValue(4294967296LL);
+    EXPECT_EQ(height->GetValue(), 4294967296LL);
+}
+
+TEST_F(GenApiNodeMap, FloatWritesRespectRangeAndDeclaredIncrement) {
+    CFloatPtr gain = nodeMap->GetNode("Gain");
+    EXPECT_DOUBLE_EQ(gain->GetValue(), 0.5);
+    EXPECT_EQ(std::string(gain->GetUnit()), "dB");
+    EXPECT_TRUE(gain->HasInc());
+    EXPECT_DOUBLE_EQ(gain->GetInc(), 0.5);
+    gain->SetValue(12.5);
+    EXPECT_THROW(gain->SetValue(12.25), GenICam::OutOfRangeException);
+    EXPECT_THROW(gain->SetValue(24.5), GenICam::OutOfRangeException);
+    EXPECT_THROW(gain->SetValue(-0.5), GenICam::OutOfRangeException);
+    EXPECT_EQ(std::string(gain->ToString()), "12.5");
+
+    CFloatPtr exposure = nodeMap->GetNode("ExposureTime");
+    EXPECT_FALSE(exposure->HasInc());
+    EXPECT_THROW(exposure->GetInc(), GenICam::AccessException);
+    exposure->FromString("1234.75");
+    EXPECT_DOUBLE_EQ(exposure->GetValue(), 1234.75);
+    EXPECT_THROW(exposure->FromString("fast"), GenICam::InvalidArgumentException);
+}
+
+TEST_F(GenApiNodeMap, BooleanAndStringValues) {
+    CBooleanPtr reverse = nodeMap->GetNode("ReverseX");
+    EXPECT_FALSE(reverse->GetValue());
+    reverse->FromString("True");
+    EXPECT_TRUE(reverse->GetValue());
+    EXPECT_EQ(std::string(reverse->ToString()), "1");
+    EXPECT_THROW(reverse->FromString("maybe"), GenICam::InvalidArgumentException);
+
+    CStringPtr userId = nodeMap->GetNode("DeviceUserID");
+    EXPECT_EQ(std::string(userId->GetValue()), "Camera One");
+    const std::string longText(100000, 'x');
+    userId->SetValue(longText);
+    EXPECT_EQ(std::string(userId->GetValue()), longText);
+    EXPECT_THROW(CStringPtr(nodeMap->GetNode("DeviceModelName"))->SetValue("Other"), GenICam::AccessException);
+    EXPECT_EQ(std::string(CStringPtr(nodeMap->GetNode("DeviceModelName"))->GetValue()), "VB3-Test-Model");
+}
+
+TEST_F(GenApiNodeMap, CommandsExecuteAndReportCompletion) {
+    CCommandPtr start = nodeMap->GetNode("AcquisitionStart");
+    CIntegerPtr raw = nodeMap->GetNode("AcquisitionStartRaw");
+    EXPECT_TRUE(start->IsDone());
+    start->Execute();
+    EXPECT_EQ(raw->GetValue(), 1);
+    EXPECT_FALSE(start->IsDone());
+    raw->SetValue(0); // what the device does when it has finished
+    EXPECT_TRUE(start->IsDone());
+
+    CCommandPtr reset = nodeMap->GetNode("DeviceReset");
+    reset->Execute();
+    EXPECT_TRUE(reset->IsDone());
+}
+
+TEST_F(GenApiNodeMap, EnumerationEntriesInDocumentOrderWithAvailability) {
+    CEnumerationPtr pixelFormat = nodeMap->GetNode("PixelFormat");
+    NodeList_t entries;
+    pixelFormat->GetEntries(entries);
+    EXPECT_EQ(NamesOf(entries),
+              (std::vector<std::string>{"EnumEntry_PixelFormat_Mono8", "EnumEntry_PixelFormat_Mono12",
+                                        "EnumEntry_PixelFormat_Mono16", "EnumEntry_PixelFormat_RGB8"}));
+    StringList_t symbolics;
+    pixelFormat->GetSymbolics(symbolics);
+    EXPECT_EQ(std::vector<std::string>(symbolics.begin(), symbolics.end()),
+              (std::vector<std::string>{"Mono8", "Mono16", "RGB8"}));
+
+    EXPECT_EQ(std::string(pixelFormat->ToString()), "Mono8");
+    EXPECT_EQ(std::string(pixelFormat->GetCurrentEntry()->GetSymbolic()), "Mono8");
+    pixelFormat->FromString("RGB8");
+    EXPECT_EQ(pixelFormat->GetIntValue(), 35127316);
+    EXPECT_EQ(pixelFormat->GetCurrentEntry()->GetValue(), 35127316);
+    EXPECT_EQ(std::string(pixelFormat->GetEntryByName("Mono16")->ToString()), "Mono16");
+    EXPECT_EQ(pixelFormat->GetEntryByName("Mono24"), nullptr);
+    EXPECT_EQ(pixelFormat->GetEntry(17825799), pixelFormat->GetEntryByName("Mono16"));
+
+    EXPECT_THROW(pixelFormat->FromString("Mono12"), GenICam::AccessException);
+    EXPECT_THROW(pixelFormat->FromString("Bayer"), GenICam::InvalidArgumentException);
+    EXPECT_THROW(pixelFormat->SetIntValue(7), GenICam::OutOfRangeException);
+    EXPECT_EQ(std::string(pixelFormat->ToString()), "RGB8");
+
+    CEnumerationPtr mode = nodeMap->GetNode("AcquisitionMode");
+    EXPECT_EQ(std::string(mode->ToString()), "Continuous");
+    EXPECT_THROW(mode->FromString("SingleFrame"), GenICam::AccessException);
+}
+
+TEST_F(GenApiNodeMap, CategoriesListTheirFeatures) {
+    CCategoryPtr root = nodeMap->GetNode("Root");
+    FeatureList_t features;
+    root->GetFeatures(features);
+    std::vector<std::string> names;
+    for (IValue* feature : features) {
+        names.push_back(feature->GetNode()->GetName());
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"ImageFormatControl", "AcquisitionControl", "DeviceControl",
+                                               "AvailabilityControl"}));
+    EXPECT_FALSE(CCategoryPtr(nodeMap->GetNode("Width")).IsValid());
+}
+
+TEST_F(GenApiNodeMap, AravisErrorsBecomeGenICamExceptions) {
+    // The register needs a device, and this node map has none.
+    try {
+        CIntegerPtr(nodeMap->GetNode("DeviceTemperatureRaw"))->GetValue();
+        FAIL() << "a register was read without a device";
+    } catch (const GenICam::RuntimeException& exception) {
+        EXPECT_NE(std::string(exception.GetDescription()).find("DeviceTemperatureRaw"), std::string::npos);
+    }
+    EXPECT_EQ(CIntegerPtr(nodeMap->GetNode("Width"))->GetValue(), 640);
+}
+
+TEST(GenApiNodeMapFactory, RefusesDocumentsThatAreNotGenICam) {
+    EXPECT_THROW(CreateNodeMapFromXml("", "Empty"), GenICam::RuntimeException);
+    EXPECT_THROW(CreateNodeMapFromXml("<RegisterDescription", "Broken"), GenICam::RuntimeException);
+    EXPECT_THROW(CreateNodeMapFromXml("<RegisterDescription><Integer Name=\"A\"><Value>1</Value></Integer>", "Cut"),
+                 GenICam::RuntimeException);
+    EXPECT_THROW(CreateNodeMapFromXml("<html><body/></html>", "Web page"), GenICam::RuntimeException);
+    auto minimal = CreateNodeMapFromXml("\xEF\xBB\xBF<?xml version=\"1.0\"?><RegisterDescription><Integer Name=\"A\">"
+                                        "<Value>1</Value></Integer></RegisterDescription>",
+                                        "Minimal");
+    EXPECT_EQ(CIntegerPtr(minimal->GetNode("A"))->GetValue(), 1);
+    EXPECT_THROW(CreateNodeMapForDevice(nullptr), GenICam::LogicalErrorException);
+}
+
+TEST_F(GenApiNodeMap, SerializesConcurrentUseFromSeveralThreads) {
+    std::atomic<int> failures{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&, t]() {
+            for (int i = 0; i < 300; ++i) {
+                try {
+                    CIntegerPtr width = nodeMap->GetNode("Width");
+                    width->SetValue(16 + 8 * ((t * 300 + i) % 100));
+                    (void)width->GetValue(true, true);
+                    CEnumerationPtr(nodeMap->GetNode("PixelFormat"))->FromString(i % 2 == 0 ? "Mono8" : "Mono16");
+                    NodeList_t nodes;
+                    nodeMap->GetNodes(nodes);
+                    (void)nodeMap->GetNode("EnumEntry_AcquisitionMode_SingleFrame")->GetAccessMode();
+                } catch (const GenICam::GenericException&) {
+                    ++failures;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(failures.load(), 0);
+}

@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "settings/IniFile.h"
+#include "support/common/FileSizeLimit.h"
+#include "support/common/TempDirectory.h"
+#include "support/common/TextFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string utf8Bom = "\xEF\xBB\xBF";
+
+std::vector<std::string> FileNames(const std::string& directory)
+{
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
+        names.push_back(entry.path().filename().string());
+    }
+    return names;
+}
+
+void SetColour(IniFile::Store& store)
+{
+    store.SetValue("Camera", "Colour", "1");
+}
+
+TEST(IniFileRead, MissingFileIsReportedWithoutCallingTheReader)
+{
+    TempDirectory directory;
+    bool called = false;
+    EXPECT_FALSE(IniFile::Read(directory.File("absent.ini"), [&called](const IniFile::Store&) { called = true; }));
+    EXPECT_FALSE(called);
+}
+
+TEST(IniFileRead, SectionAndKeyNamesIgnoreCase)
+{
+    TempDirectory directory;
+    WriteTextFile(directory.File("a.ini"), "[CAMERA]\ncolour = 7\n");
+    std::string value;
+    EXPECT_TRUE(IniFile::Read(directory.File("a.ini"), [&value](const IniFile::Store& store) {
+        value = store.GetValue("camera", "COLOUR", "NULL");
+    }));
+    EXPECT_EQ("7", value);
+}
+
+TEST(IniFileUpdate, MissingFileIsNeverCreated)
+{
+    TempDirectory directory;
+    EXPECT_FALSE(IniFile::Update(directory.File("absent.ini"), SetColour));
+    EXPECT_TRUE(FileNames(directory.Path()).empty());
+}
+
+TEST(IniFileUpdate, RewriteKeepsOtherContentAddsTheMarkAndLeavesNoTemporaryFile)
+{
+    TempDirectory directory;
+    const std::string path = directory.File("a.ini");
+    WriteTextFile(path, "[Other]\nKeep = me\n\n[Camera]\nGain = 3\n");
+    ASSERT_TRUE(IniFile::Update(path, SetColour));
+    const std::string content = ReadTextFile(path);
+    EXPECT_EQ(utf8Bom + "[Other]\nKeep = me\n\n\n[Camera]\nGain = 3\nColour = 1\n", content);
+    EXPECT_EQ(std::vector<std::string>{"a.ini"}, FileNames(directory.Path()));
+
+    // A file that already carries the mark does not get a second one.
+    ASSERT_TRUE(IniFile::Update(path, SetColour));
+    EXPECT_EQ(0u, ReadTextFile(path).rfind(utf8Bom, 3));
+}
+
+TEST(IniFileUpdate, ReplacementKeepsThePermissionsOfTheOriginal)
+{
+    TempDirectory directory;
+    const std::string path = directory.File("a.ini");
+    WriteTextFile(path, "[Camera]\n");
+    ASSERT_EQ(0, chmod(path.c_str(), 0640));
+    ASSERT_TRUE(IniFile::Update(path, SetColour));
+    struct stat status {};
+    ASSERT_EQ(0, stat(path.c_str(), &status));
+    EXPECT_EQ(0640u, status.st_mode & 07777);
+}
+
+TEST(IniFileUpdate, LinkedFileIsRewrittenAndTheLinkStays)
+{
+    TempDirectory directory;
+    const std::string target = directory.File("real.ini");
+    const std::string link = directory.File("link.ini");
+    WriteTextFile(target, "[Camera]\n");
+    fs::create_symlink(target, link);
+    ASSERT_TRUE(IniFile::Update(link, SetColour));
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_NE(std::string::npos, ReadTextFile(target).find("Colour = 1"));
+}
+
+TEST(IniFileAtomicSave, FullDiskLeavesTheOriginalWhole)
+{
+    TempDirectory directory;
+    const std::string path = directory.File("a.ini");
+    const std::string original = "[Camera]\nGain = 3\n";
+    WriteTextFile(path, original);
+    {
+        FileSizeLimit fullDisk(8);
+        EXPECT_FALSE(IniFile::Update(path, SetColour));
+    }
+    EXPECT_EQ(original, ReadTextFile(path));
+    EXPECT_EQ(std::vector<std::string>{"a.ini"}, FileNames(directory.Path()));
+}
+
+TEST(IniFileAtomicSave, DirectoryRefusingTheTemporaryFileLeavesTheOriginalWhole)
+{
+    // Not even root may create files in /proc, so this holds for every user.
+    const std::string path = "/proc/version";
+    const std::string original = ReadTextFile(path);
+    ASSERT_FALSE(original.empty());
+    EXPECT_FALSE(IniFile::ReplaceAtomically(path, "[Camera]\nColour = 1\n"));
+    EXPECT_EQ(original, ReadTextFile(path));
+}
+
+TEST(IniFileAtomicSave, FailedRenameRemovesTheTemporaryFileAndKeepsTheTarget)
+{
+    TempDirectory directory;
+    // A non-empty directory cannot be replaced by a file.
+    const std::string target = directory.File("a.ini");
+    fs::create_directory(target);
+    WriteTextFile(target + "/inside", "kept");
+    EXPECT_FALSE(IniFile::ReplaceAtomically(target, "[Camera]\n"));
+    EXPECT_TRUE(fs::is_directory(target));
+    EXPECT_EQ("kept", ReadTextFile(target + "/inside"));
+    EXPECT_EQ(std::vector<std::string>{"a.ini"}, FileNames(directory.Path()));
+}
+
+} // namespace
