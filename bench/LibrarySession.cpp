@@ -79,14 +79,18 @@ bool LibrarySession::Discover(unsigned long long mask,
     return false;
 }
 
-double LibrarySession::TimedPass()
+LibrarySession::PassTime LibrarySession::TimedPass()
 {
+    PassTime time;
     uint64_t passes = m_deviceList.Passes();
+    double cpuStart = ProcessCpuSeconds();
     double start = WallSeconds();
     ViewerBiz3::RefreshCameraList(static_cast<int>(m_mask));
     if (!m_deviceList.WaitForPassAfter(passes, std::chrono::seconds(60)))
-        return -1;
-    return WallSeconds() - start;
+        return time;
+    time.wallSeconds = WallSeconds() - start;
+    time.cpuSeconds = ProcessCpuSeconds() - cpuStart;
+    return time;
 }
 
 StreamWindow LibrarySession::Stream(const std::string& cameraId, FrameSink& sink, double seconds)

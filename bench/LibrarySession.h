@@ -22,8 +22,13 @@ public:
     // the condition. GigE Vision (bit 1) is refused outside a private network namespace.
     bool Discover(unsigned long long mask, const std::function<bool(const std::vector<std::string>&)>& condition,
                   std::chrono::milliseconds timeout = std::chrono::seconds(20));
-    // Asks for one discovery pass and returns the seconds until its list arrived (negative on timeout).
-    double TimedPass();
+    // Asks for one discovery pass and measures it until its list arrived: wall seconds (negative on
+    // timeout) and the CPU seconds the whole process spent meanwhile, which a busy machine disturbs less.
+    struct PassTime {
+        double wallSeconds = -1;
+        double cpuSeconds = 0;
+    };
+    PassTime TimedPass();
     DeviceListWatcher& DeviceList() { return m_deviceList; }
 
     // Streams an opened camera through StartGrab for `seconds` (after a short warm-up) with the

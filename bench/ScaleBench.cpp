@@ -77,8 +77,9 @@ bool Arrange(std::size_t listed, std::size_t opened)
 }
 
 // The SDK calls a pass makes, without the layer: the part of a pass that is not ours.
-double SdkCallsOfOnePass(std::size_t opened)
+Bench::LibrarySession::PassTime SdkCallsOfOnePass(std::size_t opened)
 {
+    double cpuStart = Bench::ProcessCpuSeconds();
     double start = Bench::WallSeconds();
     std::vector<ZYLGENICAM::ICamera*> created;
     std::size_t index = 0;
@@ -109,7 +110,10 @@ double SdkCallsOfOnePass(std::size_t opened)
     // A pass deletes the previous pass's camera objects, and with them their handles.
     for (auto* camera : created)
         camera->Destroy();
-    return Bench::WallSeconds() - start;
+    Bench::LibrarySession::PassTime time;
+    time.wallSeconds = Bench::WallSeconds() - start;
+    time.cpuSeconds = Bench::ProcessCpuSeconds() - cpuStart;
+    return time;
 }
 
 void BM_DiscoveryPass(benchmark::State& state)
@@ -121,22 +125,30 @@ void BM_DiscoveryPass(benchmark::State& state)
         return;
     }
     auto& session = Bench::LibrarySession::Instance();
-    double passSeconds = 0;
-    double sdkSeconds = 0;
+    Bench::LibrarySession::PassTime pass;
+    Bench::LibrarySession::PassTime sdk;
+    pass.wallSeconds = 0;
+    sdk.wallSeconds = 0;
     for (auto _ : state) {
-        sdkSeconds += SdkCallsOfOnePass(opened);
-        double pass = session.TimedPass();
-        if (pass < 0) {
+        auto sdkOnly = SdkCallsOfOnePass(opened);
+        auto timed = session.TimedPass();
+        if (timed.wallSeconds < 0) {
             state.SkipWithError("a discovery pass did not finish");
             return;
         }
-        passSeconds += pass;
-        state.SetIterationTime(pass);
+        sdk.wallSeconds += sdkOnly.wallSeconds;
+        sdk.cpuSeconds += sdkOnly.cpuSeconds;
+        pass.wallSeconds += timed.wallSeconds;
+        pass.cpuSeconds += timed.cpuSeconds;
+        state.SetIterationTime(timed.wallSeconds);
     }
-    double passes = static_cast<double>(state.iterations());
-    state.counters["pass_ms"] = passSeconds * 1e3 / passes;
-    state.counters["sdk_ms"] = sdkSeconds * 1e3 / passes;
-    state.counters["layer_ms"] = (passSeconds - sdkSeconds) * 1e3 / passes;
+    double msPerPass = 1e3 / static_cast<double>(state.iterations());
+    state.counters["pass_ms"] = pass.wallSeconds * msPerPass;
+    state.counters["sdk_ms"] = sdk.wallSeconds * msPerPass;
+    state.counters["layer_ms"] = (pass.wallSeconds - sdk.wallSeconds) * msPerPass;
+    state.counters["pass_cpu_ms"] = pass.cpuSeconds * msPerPass;
+    state.counters["sdk_cpu_ms"] = sdk.cpuSeconds * msPerPass;
+    state.counters["layer_cpu_ms"] = (pass.cpuSeconds - sdk.cpuSeconds) * msPerPass;
     state.counters["devices"] = static_cast<double>(devices);
     state.counters["opened"] = static_cast<double>(opened);
 }
