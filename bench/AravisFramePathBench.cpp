@@ -10,6 +10,7 @@
 #include <string>
 
 #include "BenchConfig.h"
+#include "BenchCounters.h"
 #include "FrameSink.h"
 #include "LatencySamples.h"
 #include "LibrarySession.h"
@@ -18,6 +19,9 @@
 #include "ViewerBiz3.h"
 #include "sdk/aravis/AravisCamera.h"
 #include "sdk/aravis/SimulatedCameraRegistry.h"
+
+using Bench::SetCounter;
+using Bench::Ratio;
 
 namespace {
 
@@ -74,16 +78,6 @@ private:
     std::shared_ptr<ZYLGENICAM::SimulatedDevice> m_device;
     ArvCamera* m_raw = nullptr;
 };
-
-void SetCounter(benchmark::State& state, const char* name, double value)
-{
-    state.counters[name] = benchmark::Counter(value);
-}
-
-double Ratio(double numerator, double denominator)
-{
-    return denominator > 0 ? numerator / denominator : 0;
-}
 
 // Throughput and CPU per frame at the highest rate the simulated camera gives (argument 0),
 // where its thread fills frames as fast as the CPU allows, and at a rate it holds by its clock.

@@ -4,12 +4,12 @@
 #include <cstdio>
 #include <string>
 
-#include "NetworkNamespace.h"
+#include "support/common/PrivateNetworkNamespace.h"
 
 int main(int argc, char** argv)
 {
     std::string why;
-    if (!Bench::EnterPrivateNetworkNamespace(why))
+    if (!EnterPrivateNetworkNamespace(why))
         std::fprintf(stderr, "No private network namespace (%s): GigE Vision benchmarks are skipped.\n",
                      why.c_str());
     benchmark::Initialize(&argc, argv);

@@ -5,19 +5,24 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
 #include <string>
 
 #include "BenchConfig.h"
-#include "FakeGigeCamera.h"
+#include "BenchCounters.h"
 #include "FrameSink.h"
 #include "LibrarySession.h"
-#include "NetworkNamespace.h"
 #include "RawAravisStream.h"
 #include "ViewerBiz3.h"
 #include "sdk/aravis/AravisCamera.h"
+#include "support/common/FakeGigeCamera.h"
+#include "support/common/PrivateNetworkNamespace.h"
+
+using Bench::SetCounter;
+using Bench::Ratio;
 
 namespace {
 
@@ -32,6 +37,21 @@ struct ToolFigures {
     double completed = 0;
     double lost = 0;   // missing frames, failures, underruns, aborted buffers
 };
+
+// Runs a command line through the shell and returns what it printed (stdout and stderr).
+std::string RunAndCapture(const std::string& commandLine)
+{
+    std::string output;
+    FILE* pipe = popen((commandLine + " 2>&1").c_str(), "r");
+    if (pipe == nullptr)
+        return output;
+    std::array<char, 4096> chunk {};
+    size_t read = 0;
+    while ((read = std::fread(chunk.data(), 1, chunk.size(), pipe)) > 0)
+        output.append(chunk.data(), read);
+    pclose(pipe);
+    return output;
+}
 
 double Field(const std::string& output, const std::string& name)
 {
@@ -84,16 +104,6 @@ std::string DiscoverThroughLibrary()
     return found;
 }
 
-void SetCounter(benchmark::State& state, const char* name, double value)
-{
-    state.counters[name] = benchmark::Counter(value);
-}
-
-double Ratio(double numerator, double denominator)
-{
-    return denominator > 0 ? numerator / denominator : 0;
-}
-
 Bench::StreamWindow StreamWithPlainAravis(double seconds)
 {
     Bench::StreamWindow window;
@@ -128,12 +138,12 @@ Bench::StreamWindow StreamThroughLibrary(const std::string& id, double seconds)
 
 void BM_GigeLoopback(benchmark::State& state)
 {
-    if (!Bench::InPrivateNetworkNamespace()) {
+    if (!InPrivateNetworkNamespace()) {
         state.SkipWithError("no private network namespace: GigE Vision is never run on the host's network");
         return;
     }
-    Bench::FakeGigeCamera fake(kSerial);
-    if (!fake.IsRunning()) {
+    FakeGigeCamera fake(kSerial);
+    if (!fake.Start()) {
         state.SkipWithError("arv-fake-gv-camera-0.8 did not start");
         return;
     }
@@ -142,7 +152,7 @@ void BM_GigeLoopback(benchmark::State& state)
         char command[256];
         std::snprintf(command, sizeof command, "arv-camera-test-0.8 --duration=%d -w %d -h %d -f %d", seconds + 1,
                       kSmallSide, kSmallSide, kHighestFrameRate);
-        ToolFigures tool = ParseCameraTest(Bench::RunAndCapture(command));
+        ToolFigures tool = ParseCameraTest(RunAndCapture(command));
         Bench::StreamWindow raw = StreamWithPlainAravis(seconds);
         std::string id = DiscoverThroughLibrary();
         if (id.empty()) {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <thread>
 
-#include "NetworkNamespace.h"
+#include "support/common/PrivateNetworkNamespace.h"
 #include "ProcessStats.h"
 #include "ViewerBiz3.h"
 

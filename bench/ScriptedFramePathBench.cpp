@@ -11,6 +11,7 @@
 
 #include "AllocationCounter.h"
 #include "BenchConfig.h"
+#include "BenchCounters.h"
 #include "FrameSink.h"
 #include "LibrarySession.h"
 #include "ProcessStats.h"
@@ -22,13 +23,15 @@ namespace {
 
 using Bench::AllocationCounter;
 using Bench::AllocationTotals;
+using Bench::SetCounter;
 
 constexpr uint64_t kScriptedMask = ZYLGENICAM::TL_GIGE | ZYLGENICAM::TL_SIMULATED;
 constexpr double kWarmUpSeconds = 0.3;
 constexpr double kPollSeconds = 0.005;
 
-// The library lists and opens a streaming camera; its identifier, or "" when that failed.
-std::string OpenThroughLibrary(Scripted::ScriptedDevice& device)
+// The library lists and opens a streaming camera; its identifier, or "" after marking the
+// benchmark skipped when that failed.
+std::string OpenThroughLibrary(benchmark::State& state, Scripted::ScriptedDevice& device)
 {
     auto& fleet = Bench::ScriptedFleet::Instance();
     fleet.ShowFleet(0);
@@ -37,12 +40,13 @@ std::string OpenThroughLibrary(Scripted::ScriptedDevice& device)
     auto listed = [&](const std::vector<std::string>& cameras) {
         return std::find(cameras.begin(), cameras.end(), id) != cameras.end();
     };
-    if (!Bench::LibrarySession::Instance().Discover(kScriptedMask, listed))
-        return "";
-    auto opened = ViewerBiz3::GetOpenedCameraIds();
-    if (std::find(opened.begin(), opened.end(), id) != opened.end())
-        return id;
-    return ViewerBiz3::OpenCamera(id) == 0 ? id : "";
+    if (Bench::LibrarySession::Instance().Discover(kScriptedMask, listed)) {
+        auto opened = ViewerBiz3::GetOpenedCameraIds();
+        if (std::find(opened.begin(), opened.end(), id) != opened.end() || ViewerBiz3::OpenCamera(id) == 0)
+            return id;
+    }
+    state.SkipWithError("the library did not open the scripted camera");
+    return "";
 }
 
 // Process-wide figures at one instant, with the frames the device has handed out so far.
@@ -127,22 +131,15 @@ RawWindow DrainWithSdk(const std::string& serial, double seconds)
     return window;
 }
 
-void SetCounter(benchmark::State& state, const char* name, double value)
-{
-    state.counters[name] = benchmark::Counter(value);
-}
-
 // Flat out: the bare SDK loop and the library on twin devices, each for the same time.
 void BM_ScriptedFramePath(benchmark::State& state)
 {
     const double seconds = Bench::Seconds(2.0, 0.05);
     auto& libraryDevice = Bench::ScriptedFleet::Instance().StreamingCamera("LIB-FAST");
     Bench::ScriptedFleet::Instance().StreamingCamera("RAW-FAST");
-    std::string id = OpenThroughLibrary(libraryDevice);
-    if (id.empty()) {
-        state.SkipWithError("the library did not open the scripted camera");
+    std::string id = OpenThroughLibrary(state, libraryDevice);
+    if (id.empty())
         return;
-    }
     Bench::FrameSink sink(id);
     // Repetitions alternate which side goes first, so a drift in the machine's load evens out.
     static int repetition = 0;
@@ -194,11 +191,9 @@ void BM_ScriptedDeliveryAllocations(benchmark::State& state)
     const auto period = std::chrono::milliseconds(50);
     auto& device = Bench::ScriptedFleet::Instance().StreamingCamera("LIB-PACED");
     device.SetFrameScript(Bench::SmallFrames(0, false, period));
-    std::string id = OpenThroughLibrary(device);
-    if (id.empty()) {
-        state.SkipWithError("the library did not open the scripted camera");
+    std::string id = OpenThroughLibrary(state, device);
+    if (id.empty())
         return;
-    }
     Bench::FrameSink sink(id);
     // Keys longer than the short-string buffer are copied to the heap: those copies are the
     // listener's string copies the target allows.
@@ -257,11 +252,9 @@ void BM_ResidentMemory(benchmark::State& state)
     auto& fleet = Bench::ScriptedFleet::Instance();
     fleet.StreamingCamera("RAW-RSS");
     auto& device = fleet.StreamingCamera("LIB-RSS");
-    std::string id = OpenThroughLibrary(device);
-    if (id.empty()) {
-        state.SkipWithError("the library did not open the scripted camera");
+    std::string id = OpenThroughLibrary(state, device);
+    if (id.empty())
         return;
-    }
     Bench::FrameSink sink(id);
     for (auto _ : state) {
         uint64_t rawEarly = 0;
@@ -313,11 +306,9 @@ void BM_CallgrindLibrary(benchmark::State& state)
 {
     const auto frames = static_cast<uint64_t>(state.range(0));
     auto& device = Bench::ScriptedFleet::Instance().StreamingCamera("LIB-CG");
-    std::string id = OpenThroughLibrary(device);
-    if (id.empty()) {
-        state.SkipWithError("the library did not open the scripted camera");
+    std::string id = OpenThroughLibrary(state, device);
+    if (id.empty())
         return;
-    }
     Bench::FrameSink sink(id);
     for (auto _ : state) {
         device.SetFrameScript(Bench::SmallFrames(frames, true));
@@ -334,11 +325,9 @@ void BM_CallgrindDelivery(benchmark::State& state)
 {
     const uint64_t frames = 20;
     auto& device = Bench::ScriptedFleet::Instance().StreamingCamera("LIB-CG-PACED");
-    std::string id = OpenThroughLibrary(device);
-    if (id.empty()) {
-        state.SkipWithError("the library did not open the scripted camera");
+    std::string id = OpenThroughLibrary(state, device);
+    if (id.empty())
         return;
-    }
     Bench::FrameSink sink(id);
     for (auto _ : state) {
         device.SetFrameScript(Bench::SmallFrames(frames, true, std::chrono::milliseconds(50)));

@@ -218,6 +218,7 @@ void Camera::ShutDownThreads()
         WaitUntil([this] { return m_grabExited.load(); });
     if (deliveryThreadExisted)
         WaitUntil([this] { return m_deliverExited.load(); });
+    ReleaseQueuedImages();
 }
 
 void Camera::WakeWatchdog()

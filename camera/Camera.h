@@ -170,6 +170,9 @@ private:
     void SleepUnlessWatchdogStopped();
     bool LockStateUnlessExiting(std::unique_lock<std::mutex>& lock, const std::atomic<bool>& exitFlag);
     int StopGrabLocked(bool notify);
+    // Releases the frames still queued for delivery; a frame queued after the delivery thread
+    // ended its run, or while it never got to run, is dropped here.
+    void ReleaseQueuedImages();
     static void WaitUntil(const std::function<bool()>& condition);
 
     // Identity and texts; all strings are guarded by m_textMutex.

@@ -86,6 +86,7 @@ int Camera::StopGrabLocked(bool notify)
     m_grabPause.store(true);
     m_deliverPause.store(true);
     WaitUntil([this] { return !m_grabActive.load() && !m_deliverActive.load(); });
+    ReleaseQueuedImages();
     if (ZYLGENICAM::ICamera* sdkCamera = m_camera.load())
         sdkCamera->StopGrabbing();
     if (notify) {
@@ -216,6 +217,11 @@ void Camera::DeliverImage(ZYLGENICAM::IImage* image, int extra1, int extra2)
 void Camera::EndDelivery(int extra1)
 {
     DeliverImage(nullptr, extra1, 0);
+    ReleaseQueuedImages();
+}
+
+void Camera::ReleaseQueuedImages()
+{
     std::lock_guard<std::mutex> lock(m_imageListMutex);
     ClearImageList();
 }

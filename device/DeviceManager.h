@@ -80,9 +80,10 @@ public:
 
     // Host network adapters and dotted IPv4 texts.
     std::unordered_map<std::string, Card*> GetNetworkCards();
-    std::vector<std::string> StringSplit(const std::string& text, char delimiter);
-    bool IsNetworkSameSegment(std::string ip1, std::string mask1, std::string ip2, std::string mask2);
-    std::string GetNetworkSegment(std::string ip, std::string mask);
+    // The text helpers use no manager state: callable without the instance.
+    static std::vector<std::string> StringSplit(const std::string& text, char delimiter);
+    static bool IsNetworkSameSegment(std::string ip1, std::string mask1, std::string ip2, std::string mask2);
+    static std::string GetNetworkSegment(std::string ip, std::string mask);
 
     // Camera Link cards and cameras.
     int OpenCard(std::string key);

@@ -1,16 +1,66 @@
 #include "settings/IniFile.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <stdlib.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 namespace {
+
+const char utf8ByteOrderMark[] = "\xEF\xBB\xBF";
+
+bool ReadAll(const std::string& path, std::string& content)
+{
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    char buffer[16384];
+    for (;;) {
+        const ssize_t count = read(fd, buffer, sizeof(buffer));
+        if (count == 0) {
+            break;
+        }
+        if (count < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            close(fd);
+            return false;
+        }
+        content.append(buffer, static_cast<std::size_t>(count));
+    }
+    close(fd);
+    return true;
+}
+
+// SimpleIni files the keys that follow a header line lacking its "]" under a
+// name that runs on into those lines, and every save writes that name back one
+// line longer. Such a header is read as naming its section up to the end of
+// its line instead.
+std::string WithSectionHeadersClosed(std::string text)
+{
+    std::size_t lineStart = text.compare(0, 3, utf8ByteOrderMark) == 0 ? 3 : 0;
+    while (lineStart < text.size()) {
+        std::size_t lineEnd = std::min(text.find_first_of("\r\n", lineStart), text.size());
+        const std::size_t first = text.find_first_not_of(" \t", lineStart);
+        if (first < lineEnd && text[first] == '[' && text.find(']', first) > lineEnd) {
+            text.insert(lineEnd, 1, ']');
+            ++lineEnd;
+        }
+        lineStart = lineEnd + 1;
+    }
+    return text;
+}
 
 // The store is marked UTF-8 before loading: once a non-empty file is loaded
 // SimpleIni ignores the mode, and only a UTF-8 store gets the byte-order mark
@@ -18,7 +68,11 @@ namespace {
 bool Load(const std::string& path, IniFile::Store& store)
 {
     store.SetUnicode(true);
-    return store.LoadFile(path.c_str()) >= 0;
+    std::string text;
+    if (!ReadAll(path, text)) {
+        return false;
+    }
+    return store.LoadData(WithSectionHeadersClosed(std::move(text))) >= 0;
 }
 
 bool WriteAll(int fd, const std::string& content)
@@ -49,12 +103,46 @@ void CopyPermissions(const std::string& from, int toFd)
     }
 }
 
+std::string DirectoryOf(const std::string& path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : (slash == 0 ? "/" : path.substr(0, slash));
+}
+
+// A save killed before its rename leaves its temporary file behind. Every writer holds an
+// exclusive lock on its temporary file until the rename, so one that nobody holds belongs to
+// a writer that died: it is removed before the next save instead of piling up.
+void RemoveAbandonedTemporaries(const std::string& target)
+{
+    const std::size_t slash = target.rfind('/');
+    const std::string directory = DirectoryOf(target);
+    const std::string prefix = target.substr(slash == std::string::npos ? 0 : slash + 1) + ".tmp.";
+    DIR* listing = opendir(directory.c_str());
+    if (listing == nullptr) {
+        return;
+    }
+    while (const dirent* entry = readdir(listing)) {
+        const std::string name = entry->d_name;
+        if (name.compare(0, prefix.size(), prefix) != 0) {
+            continue;
+        }
+        const std::string abandoned = directory + "/" + name;
+        const int fd = open(abandoned.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+        if (fd < 0) {
+            continue;
+        }
+        if (flock(fd, LOCK_EX | LOCK_NB) == 0) {
+            unlink(abandoned.c_str());
+        }
+        close(fd);
+    }
+    closedir(listing);
+}
+
 // Makes the rename itself durable, not only the new file's contents.
 void SyncDirectoryOf(const std::string& path)
 {
-    const std::size_t slash = path.rfind('/');
-    const std::string directory = slash == std::string::npos ? "." : (slash == 0 ? "/" : path.substr(0, slash));
-    const int fd = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int fd = open(DirectoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd >= 0) {
         fsync(fd);
         close(fd);
@@ -102,6 +190,7 @@ bool Update(const std::string& path, const std::function<void(Store&)>& update)
 bool ReplaceAtomically(const std::string& path, const std::string& content)
 {
     const std::string target = ResolvedTarget(path);
+    RemoveAbandonedTemporaries(target);
     const std::string pattern = target + ".tmp.XXXXXX";
     std::vector<char> temporary(pattern.begin(), pattern.end());
     temporary.push_back('\0');
@@ -109,10 +198,15 @@ bool ReplaceAtomically(const std::string& path, const std::string& content)
     if (fd < 0) {
         return false;
     }
+    // Held until the rename (released when the descriptor closes or the process dies).
+    flock(fd, LOCK_EX);
     CopyPermissions(target, fd);
-    bool complete = WriteAll(fd, content) && fsync(fd) == 0;
-    complete = close(fd) == 0 && complete;
-    if (!complete || std::rename(temporary.data(), target.c_str()) != 0) {
+    // Renamed while still open and locked, so no other writer takes it for abandoned; once
+    // fsync has succeeded the contents are on disk whatever close reports.
+    const bool written = WriteAll(fd, content) && fsync(fd) == 0;
+    const bool renamed = written && std::rename(temporary.data(), target.c_str()) == 0;
+    close(fd);
+    if (!renamed) {
         unlink(temporary.data());
         return false;
     }

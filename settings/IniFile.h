@@ -11,7 +11,8 @@
 
 namespace IniFile {
 
-// Section and key names are matched without regard to case.
+// Section and key names are matched without regard to case. A section header
+// line missing its closing "]" names the section up to the end of its line.
 using Store = CSimpleIniTempl<char, SI_GenericNoCase<char>, SI_ConvertA<char>>;
 
 // Loads the file at path and hands the store to read. Returns false, without

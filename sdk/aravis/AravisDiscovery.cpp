@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <functional>
 #include <vector>
 
 #include "sdk/aravis/AravisCameraInfo.h"
@@ -49,21 +50,36 @@ std::mutex& InterfaceMutex()
     return mutex;
 }
 
-void AppendGigeCameras(std::list<ICameraInfo*>& records)
+namespace {
+
+// Refreshes one Aravis interface and lists its devices; addressFields adds what only that
+// transport knows while the interface is still locked.
+std::vector<AravisDeviceRecord> ListInterfaceDevices(
+    ArvInterface* (*interfaceInstance)(), int tlType,
+    const std::function<void(ArvInterface*, unsigned, AravisDeviceRecord&)>& addressFields)
 {
     std::vector<AravisDeviceRecord> found;
-    {
-        std::lock_guard<std::mutex> lock(InterfaceMutex());
-        ArvInterface* gige = arv_gv_interface_get_instance();
-        arv_interface_update_device_list(gige);
-        unsigned count = arv_interface_get_n_devices(gige);
-        for (unsigned i = 0; i < count; ++i) {
-            AravisDeviceRecord record = InterfaceRecord(gige, i, TL_GIGE);
+    std::lock_guard<std::mutex> lock(InterfaceMutex());
+    ArvInterface* transport = interfaceInstance();
+    arv_interface_update_device_list(transport);
+    unsigned count = arv_interface_get_n_devices(transport);
+    for (unsigned i = 0; i < count; ++i) {
+        AravisDeviceRecord record = InterfaceRecord(transport, i, tlType);
+        addressFields(transport, i, record);
+        found.push_back(std::move(record));
+    }
+    return found;
+}
+
+} // namespace
+
+void AppendGigeCameras(std::list<ICameraInfo*>& records)
+{
+    std::vector<AravisDeviceRecord> found = ListInterfaceDevices(
+        arv_gv_interface_get_instance, TL_GIGE, [](ArvInterface* gige, unsigned i, AravisDeviceRecord& record) {
             record.ipAddress = Text(arv_interface_get_device_address(gige, i));
             record.macAddress = UpperCase(Text(arv_interface_get_device_physical_id(gige, i)));
-            found.push_back(std::move(record));
-        }
-    }
+        });
     for (AravisDeviceRecord& record : found) {
         GigeBootstrapInfo bootstrap;
         if (GvcpBootstrapReader::Read(record.ipAddress, bootstrap)) {
@@ -83,12 +99,9 @@ void AppendGigeCameras(std::list<ICameraInfo*>& records)
 // model name, and an open device is always reported as available by Aravis.
 void AppendUsbCameras(std::list<ICameraInfo*>& records)
 {
-    std::lock_guard<std::mutex> lock(InterfaceMutex());
-    ArvInterface* usb = arv_uv_interface_get_instance();
-    arv_interface_update_device_list(usb);
-    unsigned count = arv_interface_get_n_devices(usb);
-    for (unsigned i = 0; i < count; ++i) {
-        AravisDeviceRecord record = InterfaceRecord(usb, i, TL_USB);
+    std::vector<AravisDeviceRecord> found =
+        ListInterfaceDevices(arv_uv_interface_get_instance, TL_USB, [](ArvInterface*, unsigned, AravisDeviceRecord&) {});
+    for (AravisDeviceRecord& record : found) {
         record.accessStatus = ACCESS_AVAILABLE;
         records.push_back(new AravisCameraInfo(std::move(record)));
     }

@@ -10,8 +10,12 @@
 
 #include "ZylSdk.h"
 #include "genapi/GenApi.h"
+#include "support/common/SdkCameraFeatures.h"
 
 using namespace ZYLGENICAM;
+using SdkCameraFeatures::Features;
+using SdkCameraFeatures::Read;
+using SdkCameraFeatures::Write;
 
 namespace {
 
@@ -52,12 +56,7 @@ protected:
 
     ICamera* CreateBySerial(const std::string& serial)
     {
-        ICamera* created = nullptr;
-        for (ICameraInfo* info : DiscoveryByTLType(TL_SIMULATED)) {
-            if (created == nullptr && serial == info->GetSerialNumber())
-                created = CreateCamera(info);
-            info->Destroy();
-        }
+        ICamera* created = SdkCameraFeatures::CreateBySerial(TL_SIMULATED, serial);
         if (created != nullptr)
             m_cameras.push_back(created);
         return created;
@@ -71,24 +70,6 @@ protected:
             EXPECT_EQ(camera->Open(0), SDK_OK);
         }
         return camera;
-    }
-
-    static GenApi::INodeMap* Features(ICamera* camera)
-    {
-        IModule* module = camera->GetModule3();
-        return module != nullptr ? module->GetNodeMap() : nullptr;
-    }
-
-    static std::string Read(ICamera* camera, const char* name)
-    {
-        GenApi::CValuePtr value = Features(camera)->GetNode(name);
-        return value->ToString().c_str();
-    }
-
-    static void Write(ICamera* camera, const char* name, const std::string& text)
-    {
-        GenApi::CValuePtr value = Features(camera)->GetNode(name);
-        value->FromString(text.c_str());
     }
 
     // A small fast stream, so many frames come quickly.

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 
 #include "ZylSdk.h"
@@ -32,23 +33,55 @@ std::string ListedIdentifier(const Events& events, const std::string& serialNumb
     return found == keys.end() ? std::string() : *found;
 }
 
+class DiscoveryGige : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!g_privateNetworkNamespace)
+            GTEST_SKIP() << "needs a private network namespace: " << g_privateNetworkNamespaceFailure;
+    }
+};
+
+// The library side of a test, set up once its camera is running: the camera SDK, the device
+// manager looking for GigE cameras only, an event recorder and a temporary application
+// directory. Released when the test ends.
+class GigeDiscoveryStage {
+public:
+    GigeDiscoveryStage()
+    {
+        ZYLGENICAM::Init();
+        manager = DeviceManager::getInstance();
+        m_applicationDirectory = std::make_unique<ApplicationDirectoryScope>(m_directory.Path());
+        manager->SetTLTypeList(ZYLGENICAM::TL_GIGE);
+    }
+    ~GigeDiscoveryStage()
+    {
+        manager->Release();
+        ZYLGENICAM::UnInit();
+    }
+    GigeDiscoveryStage(const GigeDiscoveryStage&) = delete;
+    GigeDiscoveryStage& operator=(const GigeDiscoveryStage&) = delete;
+
+    DeviceEventRecorder events;
+    DeviceManager* manager = nullptr;
+
+private:
+    TempDirectory m_directory;
+    std::unique_ptr<ApplicationDirectoryScope> m_applicationDirectory;
+};
+
 } // namespace
 
-TEST(DiscoveryGige, SimulatedCameraIsDiscoveredOpenedAndStreamed)
+TEST_F(DiscoveryGige, SimulatedCameraIsDiscoveredOpenedAndStreamed)
 {
-    if (!g_privateNetworkNamespace)
-        GTEST_SKIP() << "needs a private network namespace: " << g_privateNetworkNamespaceFailure;
     if (!FakeGigeCamera::ProgramAvailable())
         GTEST_SKIP() << FakeGigeCamera::kProgram << " (aravis-tools) is not installed";
     FakeGigeCamera device("VB3GVDISC");
     ASSERT_TRUE(device.Start()) << "the simulated GigE Vision camera did not come up";
-    ZYLGENICAM::Init();
-    DeviceEventRecorder events;
-    DeviceManager* manager = DeviceManager::getInstance();
-    TempDirectory directory;
-    ApplicationDirectoryScope applicationDirectory(directory.Path());
+    GigeDiscoveryStage stage;
+    DeviceManager* manager = stage.manager;
+    DeviceEventRecorder& events = stage.events;
 
-    manager->SetTLTypeList(ZYLGENICAM::TL_GIGE);
     manager->RefreshDeviceList(ZYLGENICAM::TL_GIGE);
     std::string id;
     ASSERT_TRUE(events.WaitUntil(
@@ -68,24 +101,17 @@ TEST(DiscoveryGige, SimulatedCameraIsDiscoveredOpenedAndStreamed)
     EXPECT_EQ(manager->StopGrab(id), 0);
     EXPECT_EQ(manager->CloseCamera(id), 0);
     EXPECT_TRUE(manager->GetOpenedCameraIds().empty());
-    manager->Release();
-    ZYLGENICAM::UnInit();
 }
 
-TEST(DiscoveryGige, CameraBehindAVethIsAttachedToThatAdapter)
+TEST_F(DiscoveryGige, CameraBehindAVethIsAttachedToThatAdapter)
 {
-    if (!g_privateNetworkNamespace)
-        GTEST_SKIP() << "needs a private network namespace: " << g_privateNetworkNamespaceFailure;
     DeviceFakeGigeOnVeth device("VB3GVVETH");
     std::string failure;
     if (!device.Start(failure))
         GTEST_SKIP() << failure;
-    ZYLGENICAM::Init();
-    DeviceEventRecorder events;
-    DeviceManager* manager = DeviceManager::getInstance();
-    TempDirectory directory;
-    ApplicationDirectoryScope applicationDirectory(directory.Path());
-    manager->SetTLTypeList(ZYLGENICAM::TL_GIGE);
+    GigeDiscoveryStage stage;
+    DeviceManager* manager = stage.manager;
+    DeviceEventRecorder& events = stage.events;
 
     std::string id;
     for (int attempt = 0; attempt < 10 && id.empty(); ++attempt) {
@@ -107,6 +133,4 @@ TEST(DiscoveryGige, CameraBehindAVethIsAttachedToThatAdapter)
     EXPECT_TRUE(events.WaitUntil([](const Events& seen) { return seen.images >= 3; }, std::chrono::seconds(20)))
         << "no frames arrived";
     EXPECT_EQ(manager->CloseCamera(id), 0);
-    manager->Release();
-    ZYLGENICAM::UnInit();
 }

@@ -11,11 +11,15 @@
 #include "ZylSdk.h"
 #include "genapi/GenApi.h"
 #include "support/common/FakeGigeCamera.h"
+#include "support/common/SdkCameraFeatures.h"
 
 extern bool g_privateNetworkNamespace;
 extern std::string g_privateNetworkNamespaceFailure;
 
 using namespace ZYLGENICAM;
+using SdkCameraFeatures::Features;
+using SdkCameraFeatures::Read;
+using SdkCameraFeatures::Write;
 
 namespace {
 
@@ -66,33 +70,10 @@ protected:
 
     ICamera* CreateOurCamera()
     {
-        ICamera* created = nullptr;
-        for (ICameraInfo* info : DiscoveryByTLType(TL_GIGE)) {
-            if (created == nullptr && m_device.SerialNumber() == info->GetSerialNumber())
-                created = CreateCamera(info);
-            info->Destroy();
-        }
+        ICamera* created = SdkCameraFeatures::CreateBySerial(TL_GIGE, m_device.SerialNumber());
         if (created != nullptr)
             m_cameras.push_back(created);
         return created;
-    }
-
-    static GenApi::INodeMap* Features(ICamera* camera)
-    {
-        IModule* module = camera->GetModule3();
-        return module != nullptr ? module->GetNodeMap() : nullptr;
-    }
-
-    static std::string Read(ICamera* camera, const char* name)
-    {
-        GenApi::CValuePtr value = Features(camera)->GetNode(name);
-        return value->ToString().c_str();
-    }
-
-    static void Write(ICamera* camera, const char* name, const std::string& text)
-    {
-        GenApi::CValuePtr value = Features(camera)->GetNode(name);
-        value->FromString(text.c_str());
     }
 
     FakeGigeCamera m_device;

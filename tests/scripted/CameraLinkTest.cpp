@@ -3,7 +3,6 @@
 // unbound and closed; serial-only cameras; placeholders of lost cameras.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <thread>
 
 #include "camera/CLCamera.h"
@@ -12,6 +11,7 @@
 #include "support/common/CameraHandles.h"
 #include "support/common/DeviceScriptedDevices.h"
 #include "support/common/DeviceTestBench.h"
+#include "support/common/ScriptedDeviceManagerTest.h"
 
 using Events = DeviceEventRecorder::Events;
 using Scripted::ScriptedSdk;
@@ -20,22 +20,8 @@ namespace {
 
 const char* const CAMERA_ID = "Scripted-CL(C1)";
 
-bool Contains(const std::vector<std::string>& keys, const std::string& key)
-{
-    return std::find(keys.begin(), keys.end(), key) != keys.end();
-}
-
-class CameraLinkTest : public ::testing::Test {
+class CameraLinkTest : public ScriptedDeviceManagerTest {
 protected:
-    void SetUp() override
-    {
-        if (!bench.Ready())
-            GTEST_SKIP() << bench.Failure();
-        ScriptedSdk::Instance().Reset();
-    }
-
-    DeviceManager& Manager() { return bench.Manager(); }
-
     // The card "card0" with the camera C1 behind it, listed by a Camera Link refresh.
     Scripted::ScriptedDevice& ListCardAndCamera(const std::string& protocol = "", const std::string& port = "")
     {
@@ -51,8 +37,6 @@ protected:
         Manager().RefreshDeviceList(ZYLGENICAM::TL_CAMERALINK);
         ASSERT_TRUE(bench.WaitForPasses(lists + 1));
     }
-
-    DeviceTestBench bench;
 };
 
 } // namespace

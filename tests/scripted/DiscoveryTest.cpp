@@ -9,6 +9,7 @@
 #include "device/DeviceManager.h"
 #include "support/common/DeviceScriptedDevices.h"
 #include "support/common/DeviceTestBench.h"
+#include "support/common/ScriptedDeviceManagerTest.h"
 
 using DeviceScripted::AddGigECamera;
 using DeviceScripted::AddUsbCamera;
@@ -17,29 +18,14 @@ using Scripted::ScriptedSdk;
 
 namespace {
 
-bool Contains(const std::vector<std::string>& keys, const std::string& key)
-{
-    return std::find(keys.begin(), keys.end(), key) != keys.end();
-}
-
-class DiscoveryTest : public ::testing::Test {
+class DiscoveryTest : public ScriptedDeviceManagerTest {
 protected:
-    void SetUp() override
-    {
-        if (!bench.Ready())
-            GTEST_SKIP() << bench.Failure();
-        ScriptedSdk::Instance().Reset();
-    }
-
-    DeviceManager& Manager() { return bench.Manager(); }
     DeviceEventRecorder::DeviceList Pass()
     {
         EXPECT_TRUE(bench.RunPass());
         return bench.Events().Snapshot().LastWholeList();
     }
     std::string Info(const std::string& id, ViewerBiz3::CAM_INFO info) { return Manager().GetCameraInfo(id, info); }
-
-    DeviceTestBench bench;
 };
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <vector>
 
@@ -226,6 +227,22 @@ bool Opened(const OpenedCamera& camera)
     return true;
 }
 
+// Finds and opens the camera the user names, runs the command on it and closes it again;
+// 1 when the camera cannot be found or opened.
+int WithOpenedCamera(LibrarySession& session, const std::string& camera,
+                     const std::function<int(const std::string& id)>& command)
+{
+    const std::string id = FindCamera(session, camera);
+    if (id.empty()) {
+        return 1;
+    }
+    OpenedCamera opened(id);
+    if (!Opened(opened)) {
+        return 1;
+    }
+    return command(id);
+}
+
 void PrintFiles(const std::vector<std::string>& images)
 {
     std::cout << "Files:\n";
@@ -280,91 +297,61 @@ int ListDevices(LibrarySession& session)
 
 int ShowCameraInfo(LibrarySession& session, const std::string& camera)
 {
-    const std::string id = FindCamera(session, camera);
-    if (id.empty()) {
-        return 1;
-    }
-    OpenedCamera opened(id);
-    if (!Opened(opened)) {
-        return 1;
-    }
-    PrintCameraInfo(id);
-    return 0;
+    return WithOpenedCamera(session, camera, [](const std::string& id) {
+        PrintCameraInfo(id);
+        return 0;
+    });
 }
 
 int GetFeature(LibrarySession& session, const std::string& camera, const std::string& feature)
 {
-    const std::string id = FindCamera(session, camera);
-    if (id.empty()) {
-        return 1;
-    }
-    OpenedCamera opened(id);
-    if (!Opened(opened)) {
-        return 1;
-    }
-    std::string value;
-    const int result = ViewerBiz3::GetCameraNodeValue(id, feature, value);
-    if (result != 0) {
-        return ReportFailure("Reading " + feature, result);
-    }
-    std::cout << feature << " = " << value << "\n";
-    return 0;
+    return WithOpenedCamera(session, camera, [&feature](const std::string& id) {
+        std::string value;
+        const int result = ViewerBiz3::GetCameraNodeValue(id, feature, value);
+        if (result != 0) {
+            return ReportFailure("Reading " + feature, result);
+        }
+        std::cout << feature << " = " << value << "\n";
+        return 0;
+    });
 }
 
 int SetFeature(LibrarySession& session, const std::string& camera, const std::string& feature,
                const std::string& value)
 {
-    const std::string id = FindCamera(session, camera);
-    if (id.empty()) {
-        return 1;
-    }
-    OpenedCamera opened(id);
-    if (!Opened(opened)) {
-        return 1;
-    }
-    const int result = ViewerBiz3::SetCameraNodeValue(id, feature, value);
-    if (result != 0) {
-        return ReportFailure("Writing " + feature, result);
-    }
-    std::string readBack;
-    ViewerBiz3::GetCameraNodeValue(id, feature, readBack);
-    std::cout << feature << " = " << readBack << "\n";
-    return 0;
+    return WithOpenedCamera(session, camera, [&feature, &value](const std::string& id) {
+        const int result = ViewerBiz3::SetCameraNodeValue(id, feature, value);
+        if (result != 0) {
+            return ReportFailure("Writing " + feature, result);
+        }
+        std::string readBack;
+        ViewerBiz3::GetCameraNodeValue(id, feature, readBack);
+        std::cout << feature << " = " << readBack << "\n";
+        return 0;
+    });
 }
 
 int RenameCamera(LibrarySession& session, const std::string& camera, const std::string& newName)
 {
-    const std::string id = FindCamera(session, camera);
-    if (id.empty()) {
-        return 1;
-    }
-    OpenedCamera opened(id);
-    if (!Opened(opened)) {
-        return 1;
-    }
-    const int result = ViewerBiz3::ModifyCameraId(id, newName);
-    if (result != 0) {
-        return ReportFailure("Renaming " + id, result);
-    }
-    std::cout << id << " is now " << GetCameraInfo(id, ViewerBiz3::CAM_NAME)
-              << " (written to the device's DeviceUserID)\n";
-    return 0;
+    return WithOpenedCamera(session, camera, [&newName](const std::string& id) {
+        const int result = ViewerBiz3::ModifyCameraId(id, newName);
+        if (result != 0) {
+            return ReportFailure("Renaming " + id, result);
+        }
+        std::cout << id << " is now " << GetCameraInfo(id, ViewerBiz3::CAM_NAME)
+                  << " (written to the device's DeviceUserID)\n";
+        return 0;
+    });
 }
 
 int GrabToPng(LibrarySession& session, const std::string& camera, const GrabLimit& limit, const std::string& pngPath)
 {
-    const std::string id = FindCamera(session, camera);
-    if (id.empty()) {
-        return 1;
-    }
-    OpenedCamera opened(id);
-    if (!Opened(opened)) {
-        return 1;
-    }
-    PrepareForPicture(id);
-    const int result = GrabAndSave(id, limit, pngPath.empty() ? DefaultPngPath(id) : pngPath);
-    std::cout << "Log file: " << LibrarySession::LogFilePath() << "\n";
-    return result;
+    return WithOpenedCamera(session, camera, [&limit, &pngPath](const std::string& id) {
+        PrepareForPicture(id);
+        const int result = GrabAndSave(id, limit, pngPath.empty() ? DefaultPngPath(id) : pngPath);
+        std::cout << "Log file: " << LibrarySession::LogFilePath() << "\n";
+        return result;
+    });
 }
 
 int RunDemo(LibrarySession& session)

@@ -1,4 +1,4 @@
-#include "NetworkNamespace.h"
+#include "support/common/PrivateNetworkNamespace.h"
 
 #include <cerrno>
 #include <cstring>
@@ -7,8 +7,6 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-namespace Bench {
 
 namespace {
 
@@ -50,5 +48,3 @@ bool InPrivateNetworkNamespace()
 {
     return g_inPrivateNamespace;
 }
-
-} // namespace Bench

@@ -1,0 +1,11 @@
+// Moves the whole process into a network namespace of its own with only loopback up, so that
+// nothing it starts afterwards (GigE Vision discovery above all) can reach a real network.
+// Call it before any other thread exists: threads started later inherit the namespace.
+#pragma once
+
+#include <string>
+
+// True when the process now lives in a fresh namespace with loopback up (or already did);
+// otherwise false with the reason in why.
+bool EnterPrivateNetworkNamespace(std::string& why);
+bool InPrivateNetworkNamespace();

@@ -1,0 +1,17 @@
+#include "support/common/ScriptedDeviceManagerTest.h"
+
+#include <algorithm>
+
+#include "support/scripted/ScriptedSdk.h"
+
+void ScriptedDeviceManagerTest::SetUp()
+{
+    if (!bench.Ready())
+        GTEST_SKIP() << bench.Failure();
+    Scripted::ScriptedSdk::Instance().Reset();
+}
+
+bool ScriptedDeviceManagerTest::Contains(const std::vector<std::string>& keys, const std::string& key)
+{
+    return std::find(keys.begin(), keys.end(), key) != keys.end();
+}
