@@ -5,6 +5,8 @@
 #include "genapi/NodeMapFactory.h"
 #include "sdk/aravis/AravisDiscovery.h"
 #include "sdk/aravis/AravisImage.h"
+#include "sdk/aravis/GvcpBootstrapReader.h"
+#include "sdk/aravis/LostDeviceTeardown.h"
 
 namespace ZYLGENICAM {
 
@@ -28,6 +30,17 @@ void DeleteControlLostFlag(gpointer flag)
 
 // Register 0 exists on every transport (GigE Vision bootstrap version, USB3 Vision ABRM version).
 constexpr guint64 kProbeRegister = 0;
+
+std::string GigeDeviceAddress(ArvDevice* device)
+{
+    GSocketAddress* socketAddress = arv_gv_device_get_device_address(ARV_GV_DEVICE(device));   // not ours
+    if (!G_IS_INET_SOCKET_ADDRESS(socketAddress))
+        return {};
+    gchar* text = g_inet_address_to_string(g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(socketAddress)));
+    std::string result = text != nullptr ? text : "";
+    g_free(text);
+    return result;
+}
 
 } // namespace
 
@@ -136,6 +149,8 @@ int AravisCamera::CloseLocked()
     m_controlLostHandler = 0;
     m_featureModule.reset();
     m_nodeMap.reset();   // before the device: it reads through it
+    if (IsLost())
+        LostDeviceTeardown::Instance().Add(std::shared_ptr<ArvDevice>(m_device.release(), GObjectUnref()));
     m_device.reset();
     if (m_info->m_record.simulated)
         m_info->m_record.simulated->CloseAccess();
@@ -169,6 +184,8 @@ int AravisCamera::StartGrabbing(int, uint64_t)
         return SDK_NOT_OPEN;
     if (m_stream)
         return SDK_ERROR;
+    if (IsLost())
+        return SDK_LOST;
     int64_t payload = 0;
     try {
         GenApi_3_4::CIntegerPtr payloadSize = m_nodeMap->GetNode("PayloadSize");
@@ -210,9 +227,12 @@ void AravisCamera::StopStreamLocked()
 {
     if (!m_stream)
         return;
-    if (!m_lost.load() && !m_controlLost->load())
+    if (IsLost()) {
+        LostDeviceTeardown::Instance().Add(std::move(m_stream));
+    } else {
         ExecuteCommand("AcquisitionStop");
-    m_stream.reset();
+        m_stream.reset();
+    }
     m_grabbing.store(false);
 }
 
@@ -228,7 +248,7 @@ int AravisCamera::GetImage(IImage*& image, uint64_t timeoutMs)
     }
     if (!stream)
         return SDK_ERROR;
-    if (m_lost.load() || m_controlLost->load())
+    if (IsLost())
         return SDK_LOST;
     ArvBuffer* buffer = stream->Pop(timeoutMs);
     if (buffer == nullptr)
@@ -240,6 +260,11 @@ int AravisCamera::GetImage(IImage*& image, uint64_t timeoutMs)
         return SDK_ERROR;
     MarkAlive();
     return SDK_OK;
+}
+
+bool AravisCamera::IsLost() const
+{
+    return m_lost.load() || m_controlLost->load();
 }
 
 void AravisCamera::MarkAlive()
@@ -256,6 +281,10 @@ bool AravisCamera::ProbeDevice()
     }
     if (!device)
         return true;   // closed meanwhile: nothing to probe
+    // A GigE Vision register read through Aravis queues behind its heartbeat, whose transaction to
+    // a dead device retries for seconds; our own socket has a deadline of its own.
+    if (ARV_IS_GV_DEVICE(device.get()))
+        return GvcpBootstrapReader::Answers(GigeDeviceAddress(device.get()));
     guint32 value = 0;
     GError* error = nullptr;
     bool answered = arv_device_read_register(device.get(), kProbeRegister, &value, &error);
@@ -265,7 +294,7 @@ bool AravisCamera::ProbeDevice()
 
 // Aravis's control-lost signal alone comes late (its heartbeat gives up after several seconds),
 // so an open device that has sent no frame for a while is asked directly, at most once per call;
-// the read fails only after Aravis's own retries, so a busy but healthy camera is not dropped.
+// the read gives up only after several attempts, so a busy but healthy camera is not dropped.
 bool AravisCamera::IsConnected()
 {
     if (m_lost.load())

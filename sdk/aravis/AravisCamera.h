@@ -50,6 +50,7 @@ private:
     void StopStreamLocked();
     bool ExecuteCommand(const char* name);
     bool ProbeDevice();
+    bool IsLost() const;
     void MarkAlive();
 
     AravisCameraInfo* m_info;

@@ -6,6 +6,7 @@
 #include "sdk/aravis/AravisCameraInfo.h"
 #include "sdk/aravis/AravisDiscovery.h"
 #include "sdk/aravis/GObjectPtr.h"
+#include "sdk/aravis/LostDeviceTeardown.h"
 #include "sdk/aravis/SimulatedCameraRegistry.h"
 
 namespace ZYLGENICAM {
@@ -17,6 +18,7 @@ int Init()
 
 int UnInit()
 {
+    LostDeviceTeardown::Instance().Drain();
     SimulatedCameraRegistry::Instance().Clear();
     return SDK_OK;
 }

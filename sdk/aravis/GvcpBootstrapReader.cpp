@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <optional>
 #include <vector>
 
 namespace ZYLGENICAM {
@@ -15,6 +16,7 @@ namespace {
 
 constexpr uint8_t kCommandKey = 0x42;
 constexpr uint8_t kAcknowledgeRequired = 0x01;
+constexpr uint16_t kStatusSuccess = 0x0000;
 constexpr uint16_t kReadRegisterCommand = 0x0080;
 constexpr uint16_t kReadRegisterAck = 0x0081;
 constexpr uint16_t kReadMemoryCommand = 0x0084;
@@ -28,8 +30,7 @@ constexpr uint32_t kUserDefinedNameOffset = 0x00e8 - kDeviceVersionRegister;
 constexpr uint16_t kUserDefinedNameLength = 16;
 constexpr uint16_t kIdentityBlockLength = kUserDefinedNameOffset + kUserDefinedNameLength;
 constexpr uint32_t kControlChannelPrivilegeRegister = 0x0a00;
-constexpr int kAttempts = 3;
-constexpr int kReplyTimeoutMs = 200;
+constexpr uint32_t kVersionRegister = 0x0000;
 
 void Put16(std::vector<uint8_t>& out, uint16_t value)
 {
@@ -54,6 +55,18 @@ std::string AddressText(uint32_t hostOrder)
     inet_ntop(AF_INET, &address, text, sizeof text);
     return text;
 }
+
+std::vector<uint8_t> RegisterRequest(uint32_t address)
+{
+    std::vector<uint8_t> request;
+    Put32(request, address);
+    return request;
+}
+
+struct GvcpAcknowledge {
+    uint16_t status;
+    std::vector<uint8_t> payload;
+};
 
 class GvcpSocket {
 public:
@@ -89,8 +102,18 @@ public:
         return AddressText(ntohl(local.sin_addr.s_addr));
     }
 
-    // Sends a command and returns the payload of its acknowledge (empty on failure).
-    std::vector<uint8_t> Transact(uint16_t command, uint16_t answer, const std::vector<uint8_t>& payload)
+    // Reads one 32-bit register; false when the device did not answer or refused.
+    bool ReadRegister(uint32_t address, uint32_t& value)
+    {
+        std::optional<GvcpAcknowledge> reply = Transact(kReadRegisterCommand, kReadRegisterAck, RegisterRequest(address));
+        if (!reply || reply->status != kStatusSuccess || reply->payload.size() < 4)
+            return false;
+        value = Get32(reply->payload.data());
+        return true;
+    }
+
+    // Sends a command and waits for its acknowledge; nothing when none came in time.
+    std::optional<GvcpAcknowledge> Transact(uint16_t command, uint16_t answer, const std::vector<uint8_t>& payload)
     {
         uint16_t requestId = ++m_requestId;
         std::vector<uint8_t> packet { kCommandKey, kAcknowledgeRequired };
@@ -98,21 +121,20 @@ public:
         Put16(packet, uint16_t(payload.size()));
         Put16(packet, requestId);
         packet.insert(packet.end(), payload.begin(), payload.end());
-        for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        for (int attempt = 0; attempt < GvcpBootstrapReader::kAttempts; ++attempt) {
             if (send(m_fd, packet.data(), packet.size(), 0) < 0)
-                return {};
+                return std::nullopt;
             pollfd waiting { m_fd, POLLIN, 0 };
-            while (poll(&waiting, 1, kReplyTimeoutMs) > 0) {
+            while (poll(&waiting, 1, GvcpBootstrapReader::kReplyTimeoutMs) > 0) {
                 uint8_t reply[1024];
                 ssize_t size = recv(m_fd, reply, sizeof reply, 0);
                 if (size < 8)
                     break;
-                bool matches = Get16(reply) == 0 && Get16(reply + 2) == answer && Get16(reply + 6) == requestId;
-                if (matches)
-                    return std::vector<uint8_t>(reply + 8, reply + size);
+                if (Get16(reply + 2) == answer && Get16(reply + 6) == requestId)
+                    return GvcpAcknowledge { Get16(reply), std::vector<uint8_t>(reply + 8, reply + size) };
             }
         }
-        return {};
+        return std::nullopt;
     }
 
 private:
@@ -131,12 +153,8 @@ bool GvcpBootstrapReader::Read(const std::string& deviceAddress, GigeBootstrapIn
     uint32_t values[3] = {};
     const uint32_t addresses[3] = { kSubnetMaskRegister, kGatewayRegister, kControlChannelPrivilegeRegister };
     for (int i = 0; i < 3; ++i) {
-        std::vector<uint8_t> request;
-        Put32(request, addresses[i]);
-        std::vector<uint8_t> reply = gvcp.Transact(kReadRegisterCommand, kReadRegisterAck, request);
-        if (reply.size() < 4)
+        if (!gvcp.ReadRegister(addresses[i], values[i]))
             return false;
-        values[i] = Get32(reply.data());
     }
     info.subnetMask = AddressText(values[0]);
     info.gateway = AddressText(values[1]);
@@ -147,14 +165,22 @@ bool GvcpBootstrapReader::Read(const std::string& deviceAddress, GigeBootstrapIn
     Put32(memoryRequest, kDeviceVersionRegister);
     Put16(memoryRequest, 0);
     Put16(memoryRequest, kIdentityBlockLength);
-    std::vector<uint8_t> memory = gvcp.Transact(kReadMemoryCommand, kReadMemoryAck, memoryRequest);
-    if (memory.size() >= 4u + kIdentityBlockLength) {
-        const char* block = reinterpret_cast<const char*>(memory.data() + 4);
+    std::optional<GvcpAcknowledge> memory = gvcp.Transact(kReadMemoryCommand, kReadMemoryAck, memoryRequest);
+    if (memory && memory->status == kStatusSuccess && memory->payload.size() >= 4u + kIdentityBlockLength) {
+        const char* block = reinterpret_cast<const char*>(memory->payload.data() + 4);
         info.deviceVersion.assign(block, strnlen(block, kDeviceVersionLength));
         const char* name = block + kUserDefinedNameOffset;
         info.userDefinedName.assign(name, strnlen(name, kUserDefinedNameLength));
     }
     return true;
+}
+
+bool GvcpBootstrapReader::Answers(const std::string& deviceAddress)
+{
+    // Any acknowledge proves the device alive, a refusal too (a device held exclusively by this
+    // host refuses reads from other sockets).
+    GvcpSocket gvcp(deviceAddress);
+    return gvcp.IsOpen() && gvcp.Transact(kReadRegisterCommand, kReadRegisterAck, RegisterRequest(kVersionRegister));
 }
 
 } // namespace ZYLGENICAM

@@ -22,6 +22,13 @@ class GvcpBootstrapReader {
 public:
     // False when the device did not answer.
     static bool Read(const std::string& deviceAddress, GigeBootstrapInfo& info);
+    // True when the device answers a read of its bootstrap version register. It uses its own
+    // socket, so it never waits behind Aravis's transactions with the device, and a device that is
+    // gone costs kAttempts * kReplyTimeoutMs at most.
+    static bool Answers(const std::string& deviceAddress);
+
+    static constexpr int kAttempts = 4;
+    static constexpr int kReplyTimeoutMs = 250;
 
     static constexpr uint16_t kGvcpPort = 3956;
 };

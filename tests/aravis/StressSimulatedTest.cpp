@@ -20,6 +20,7 @@
 #include "log/Log.h"
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/StressApiOperations.h"
+#include "support/common/ProcessThreads.h"
 #include "support/common/StressRun.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
@@ -76,8 +77,8 @@ TEST(StressSimulated, HostThreadsOnSimulatedCamerasLeaveNothingBehind)
     ASSERT_EQ(-1, Init());
     ASSERT_EQ(0, SetTLTypeList(SimulatedTransport));
     ASSERT_EQ(0, UnInit());
-    StressWaitForThreadCount(0, std::chrono::seconds(1));
-    const std::size_t threadsBefore = StressThreadCount();
+    WaitForProcessThreadCount(0, std::chrono::seconds(1));
+    const std::size_t threadsBefore = ProcessThreadCount();
 
     ASSERT_EQ(-1, Init());
     ASSERT_EQ(0, SetTLTypeList(SimulatedTransport));
@@ -114,8 +115,8 @@ TEST(StressSimulated, HostThreadsOnSimulatedCamerasLeaveNothingBehind)
     outcomes.Print();
     EXPECT_GT(totals.operations, 0u);
     EXPECT_GT(outcomes.opens.load(), 0u);
-    EXPECT_TRUE(StressWaitForThreadCount(threadsBefore, std::chrono::seconds(10)))
-        << StressThreadCount() << " threads after UnInit, " << threadsBefore << " before Init";
+    EXPECT_TRUE(WaitForProcessThreadCount(threadsBefore, std::chrono::seconds(10)))
+        << ProcessThreadCount() << " threads after UnInit, " << threadsBefore << " before Init";
 
     // The settings file reads back as the host left it.
     ASSERT_EQ(-1, Init());

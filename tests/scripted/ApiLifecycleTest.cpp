@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <filesystem>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -16,6 +15,7 @@
 #include "ViewerBiz3.h"
 #include "log/Log.h"
 #include "support/common/ApplicationDirectoryScope.h"
+#include "support/common/ProcessThreads.h"
 #include "support/common/TempDirectory.h"
 #include "support/scripted/ScriptedSdk.h"
 
@@ -24,25 +24,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 namespace {
-
-std::size_t ThreadCount()
-{
-    const auto tasks = std::filesystem::directory_iterator("/proc/self/task");
-    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
-}
-
-// A detached thread that has signalled its end may take a moment to vanish.
-bool WaitForThreadCount(std::size_t expected, std::chrono::seconds timeout)
-{
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (ThreadCount() > expected) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
 
 bool WaitForDiscoveries(std::uint64_t expected)
 {
@@ -220,14 +201,15 @@ TEST_F(ApiLifecycle, RepeatedInitAndUnInitLeaveNoThreadBehind)
     };
     // The first cycle may leave threads that live as long as the process
     // (sanitizer runtimes); the library's own must not add up over cycles.
-    const std::size_t beforeFirstCycle = ThreadCount();
+    const std::size_t beforeFirstCycle = ProcessThreadCount();
     cycle(0);
-    WaitForThreadCount(beforeFirstCycle, std::chrono::seconds(2));
-    const std::size_t baseline = ThreadCount();
+    WaitForProcessThreadCount(beforeFirstCycle, std::chrono::seconds(2));
+    const std::size_t baseline = ProcessThreadCount();
 
     for (int round = 0; round < 5; ++round) {
         cycle(Scripted::ScriptedSdk::Instance().Counters().discoveries);
     }
 
-    EXPECT_TRUE(WaitForThreadCount(baseline, std::chrono::seconds(10))) << ThreadCount() << " threads, " << baseline << " before";
+    EXPECT_TRUE(WaitForProcessThreadCount(baseline, std::chrono::seconds(10)))
+        << ProcessThreadCount() << " threads, " << baseline << " before";
 }

@@ -23,6 +23,7 @@
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/DeviceScriptedDevices.h"
 #include "support/common/StressApiOperations.h"
+#include "support/common/ProcessThreads.h"
 #include "support/common/StressRun.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
@@ -186,8 +187,8 @@ TEST(Stress, HostThreadsSurviveLostCamerasAndLeaveNothingBehind)
     // A first cycle lets runtimes start the threads they keep for the whole process.
     ASSERT_EQ(-1, Init());
     ASSERT_EQ(0, UnInit());
-    StressWaitForThreadCount(0, std::chrono::seconds(1));
-    const std::size_t threadsBefore = StressThreadCount();
+    WaitForProcessThreadCount(0, std::chrono::seconds(1));
+    const std::size_t threadsBefore = ProcessThreadCount();
 
     DeviceGenerations generations;
     for (auto& description : StressCameras()) {
@@ -233,8 +234,8 @@ TEST(Stress, HostThreadsSurviveLostCamerasAndLeaveNothingBehind)
                 static_cast<unsigned long long>(listener.events.load()));
     outcomes.Print();
     EXPECT_GT(totals.operations, 0u);
-    EXPECT_TRUE(StressWaitForThreadCount(threadsBefore, std::chrono::seconds(10)))
-        << StressThreadCount() << " threads after UnInit, " << threadsBefore << " before Init";
+    EXPECT_TRUE(WaitForProcessThreadCount(threadsBefore, std::chrono::seconds(10)))
+        << ProcessThreadCount() << " threads after UnInit, " << threadsBefore << " before Init";
     for (Scripted::ScriptedDevice* device : generations.All()) {
         const Scripted::DeviceCounters counters = device->Counters();
         EXPECT_EQ(counters.imagesHandedOut, counters.imagesReleased) << device->SerialNumber();

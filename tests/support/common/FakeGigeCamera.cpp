@@ -91,6 +91,18 @@ void FakeGigeCamera::Kill()
     m_pid = -1;
 }
 
+void FakeGigeCamera::Freeze()
+{
+    if (m_pid > 0)
+        kill(m_pid, SIGSTOP);
+}
+
+void FakeGigeCamera::Thaw()
+{
+    if (m_pid > 0)
+        kill(m_pid, SIGCONT);
+}
+
 // One GVCP discovery command sent straight to the camera's address.
 bool FakeGigeCamera::AnswersDiscovery(int timeoutMs) const
 {

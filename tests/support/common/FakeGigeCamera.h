@@ -21,8 +21,13 @@ public:
 
     // Starts the process and waits until it answers GigE Vision discovery; false on failure.
     bool Start(int timeoutMs = 10000);
-    // Kills the process (as a power cut would) and reaps it.
+    // Kills the process (as a power cut would) and reaps it. The kernel then answers for the closed
+    // port at once, so a dead camera on loopback is quick to find out.
     void Kill();
+    // Stops the process without ending it, as an unplugged cable would: packets to the camera go
+    // unanswered until Thaw (the cable plugged back in).
+    void Freeze();
+    void Thaw();
     bool IsRunning() const { return m_pid > 0; }
     const std::string& SerialNumber() const { return m_serialNumber; }
 

@@ -2,8 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <iterator>
 
 namespace {
 
@@ -31,24 +29,6 @@ std::uint32_t StressSeed(std::uint32_t defaultSeed)
 std::chrono::seconds StressDuration(std::chrono::seconds defaultDuration)
 {
     return std::chrono::seconds(EnvironmentNumber("VB3_STRESS_SECONDS", defaultDuration.count()));
-}
-
-std::size_t StressThreadCount()
-{
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
-}
-
-bool StressWaitForThreadCount(std::size_t expected, std::chrono::seconds timeout)
-{
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (StressThreadCount() > expected) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
 }
 
 StressWatchdog::StressWatchdog(std::size_t workers, std::chrono::seconds stallLimit)

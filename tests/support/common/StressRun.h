@@ -19,10 +19,6 @@ std::uint32_t StressSeed(std::uint32_t defaultSeed);
 // VB3_STRESS_SECONDS when set, else the default.
 std::chrono::seconds StressDuration(std::chrono::seconds defaultDuration);
 
-// Threads of this process (/proc/self/task).
-std::size_t StressThreadCount();
-// Waits until at most `expected` threads remain; finished threads may take a moment to vanish.
-bool StressWaitForThreadCount(std::size_t expected, std::chrono::seconds timeout);
 
 // Aborts the process (after printing what every stress thread was doing) when
 // no progress was reported for the stall limit.
