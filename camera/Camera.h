@@ -7,7 +7,6 @@
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <list>
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
@@ -17,6 +16,7 @@
 #include "ViewerBiz3Types.h"
 #include "ZylImage.h"
 #include "ZylSdk.h"
+#include "camera/ImageQueue.h"
 
 namespace GenApi_3_4 {
 struct INodeMap;
@@ -148,7 +148,7 @@ protected:
     void LogGrabFailure(int code, uint64_t frameId);
 
     std::mutex m_imageListMutex;
-    std::list<ZYLGENICAM::IImage*> m_imageList;
+    ImageQueue m_imageList;
 
 private:
     void ParametersReset();

@@ -113,11 +113,7 @@ int Camera::GrabImage(ZYLGENICAM::IImage*& image, unsigned long long timeoutMs)
 
 void Camera::ClearImageList()
 {
-    for (ZYLGENICAM::IImage* image : m_imageList) {
-        if (image)
-            image->Release();
-    }
-    m_imageList.clear();
+    m_imageList.ReleaseAll();
 }
 
 bool Camera::WaitForGrabStart()
@@ -175,12 +171,11 @@ void Camera::MarkGrabInactive()
 void Camera::QueueImageKeepingNewest(ZYLGENICAM::IImage* image)
 {
     std::lock_guard<std::mutex> lock(m_imageListMutex);
-    if (m_imageList.size() >= 2) {
-        if (m_imageList.front())
-            m_imageList.front()->Release();
-        m_imageList.pop_front();
+    if (m_imageList.Size() >= 2) {
+        if (ZYLGENICAM::IImage* oldest = m_imageList.PopFront())
+            oldest->Release();
     }
-    m_imageList.push_back(image);
+    m_imageList.PushBack(image);
 }
 
 void Camera::NotifyAcqStatistics()
@@ -351,9 +346,8 @@ void Camera::DeliverImageFunction()
             ZYLGENICAM::IImage* image = nullptr;
             {
                 std::lock_guard<std::mutex> lock(m_imageListMutex);
-                if (!m_imageList.empty() && m_imageList.back()) {
-                    image = m_imageList.back();
-                    m_imageList.pop_back();
+                if (!m_imageList.Empty() && m_imageList.Back()) {
+                    image = m_imageList.PopBack();
                     ClearImageList();
                 }
             }

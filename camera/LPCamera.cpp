@@ -203,7 +203,7 @@ void LPCamera::QueueProfileImage(ZYLGENICAM::IImage* image, int mode, bool limit
         return;
     }
     std::lock_guard<std::mutex> lock(m_imageListMutex);
-    m_imageList.push_back(image);
+    m_imageList.PushBack(image);
 }
 
 void LPCamera::WaitUntilImageListDrained()
@@ -211,7 +211,7 @@ void LPCamera::WaitUntilImageListDrained()
     for (;;) {
         {
             std::lock_guard<std::mutex> lock(m_imageListMutex);
-            if (m_imageList.empty())
+            if (m_imageList.Empty())
                 return;
         }
         if (GrabShouldExit())
@@ -319,9 +319,8 @@ void LPCamera::DeliverImageFunction()
             ZYLGENICAM::IImage* image = nullptr;
             {
                 std::lock_guard<std::mutex> lock(m_imageListMutex);
-                if (!m_imageList.empty()) {
-                    image = m_imageList.front();
-                    m_imageList.pop_front();
+                if (!m_imageList.Empty()) {
+                    image = m_imageList.PopFront();
                     if (mode != batchMode)
                         ClearImageList();
                 }

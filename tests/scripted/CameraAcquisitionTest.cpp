@@ -40,7 +40,7 @@ public:
     std::size_t WaitingImages()
     {
         std::lock_guard<std::mutex> lock(m_imageListMutex);
-        return m_imageList.size();
+        return m_imageList.Size();
     }
 };
 
