@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <functional>
+#include <utility>
 
 #include "camera/CLCamera.h"
 #include "camera/Camera.h"
@@ -186,14 +187,14 @@ void DeviceManager::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image
             image->Release();
         return;
     }
-    m_event.NotifyImageUpdateListener(key, image, extra1, extra2);
+    m_event.NotifyImageUpdateListener(std::move(key), image, extra1, extra2);
 }
 
 void DeviceManager::NotifyAcqStatisticUpdate(std::string key, bool flag)
 {
     if (!m_notificationsEnabled.load())
         return;
-    m_event.NotifyAcqStatisticUpdateListener(key, flag);
+    m_event.NotifyAcqStatisticUpdateListener(std::move(key), flag);
 }
 
 void DeviceManager::NotifyDeviceListUpdate(std::string listKey, std::string key)

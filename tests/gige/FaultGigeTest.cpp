@@ -146,6 +146,11 @@ protected:
     void TearDown() override
     {
         if (m_initialized) {
+            // Images are handed to the host without a lock, so no camera may still deliver while
+            // UnInit takes the listeners away.
+            for (const std::string& id : GetOpenedCameraIds()) {
+                CloseCamera(id);
+            }
             EXPECT_EQ(0, UnInit());
         }
         unsetenv("VIEWERBIZ3_SIMULATED_CAMERAS");
