@@ -98,16 +98,7 @@ TEST(StressSimulated, HostThreadsOnSimulatedCamerasLeaveNothingBehind)
     const StressTotals totals =
         RunStressWorkers(HostThreads, seed, duration, StressApiOperations(scene, listener, outcomes), watchdog);
 
-    watchdog.Phase("closing");
-    for (const std::string& id : GetOpenedCameraIds()) {
-        StopGrab(id);
-        EXPECT_EQ(0, CloseCamera(id)) << id;
-    }
-    EXPECT_TRUE(GetOpenedCameraIds().empty());
-    const std::vector<std::string> settings = StressAllParameters();
-    watchdog.Phase("UnInit");
-    ASSERT_EQ(0, UnInit());
-    watchdog.Phase("after UnInit");
+    const std::vector<std::string> settings = StressCloseAllAndUnInit(watchdog);
 
     std::printf("stress: %llu frames delivered and released, %llu host events\n",
                 static_cast<unsigned long long>(sink.frames.load()),

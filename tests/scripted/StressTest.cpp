@@ -215,16 +215,7 @@ TEST(Stress, HostThreadsSurviveLostCamerasAndLeaveNothingBehind)
     const StressTotals totals = RunStressWorkers(HostThreads, seed, duration, StressApiOperations(scene, listener, outcomes), watchdog);
     losses.Stop();
 
-    watchdog.Phase("closing");
-    for (const std::string& id : GetOpenedCameraIds()) {
-        StopGrab(id);
-        EXPECT_EQ(0, CloseCamera(id)) << id;
-    }
-    EXPECT_TRUE(GetOpenedCameraIds().empty());
-    const std::vector<std::string> settings = StressAllParameters();
-    watchdog.Phase("UnInit");
-    ASSERT_EQ(0, UnInit());
-    watchdog.Phase("after UnInit");
+    const std::vector<std::string> settings = StressCloseAllAndUnInit(watchdog);
 
     std::printf("stress: %llu camera losses injected, %llu noticed (\"Camera is lost.\"), %llu frames, "
                 "%llu host events; all survived\n",

@@ -1,5 +1,7 @@
 #include "support/common/StressApiOperations.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -99,6 +101,21 @@ std::vector<std::string> StressAllParameters()
         values.push_back(GetParamterInfo(static_cast<PARAMETER_INFO>(key)));
     }
     return values;
+}
+
+std::vector<std::string> StressCloseAllAndUnInit(StressWatchdog& watchdog)
+{
+    watchdog.Phase("closing");
+    for (const std::string& id : GetOpenedCameraIds()) {
+        StopGrab(id);
+        EXPECT_EQ(0, CloseCamera(id)) << id;
+    }
+    EXPECT_TRUE(GetOpenedCameraIds().empty());
+    std::vector<std::string> settings = StressAllParameters();
+    watchdog.Phase("UnInit");
+    EXPECT_EQ(0, UnInit());
+    watchdog.Phase("after UnInit");
+    return settings;
 }
 
 void StressRegisterAll(StressListener& listener)

@@ -84,6 +84,10 @@ std::vector<StressOperation> StressApiOperations(const StressScene& scene, Stres
 // GetParamterInfo of every setting key, to compare a session's settings with a reload.
 std::vector<std::string> StressAllParameters();
 
+// After the workers: stops and closes every opened camera, then UnInit, each phase told to the
+// watchdog. Returns the settings as the session left them (StressAllParameters before UnInit).
+std::vector<std::string> StressCloseAllAndUnInit(StressWatchdog& watchdog);
+
 // The lists of StressListener that a host may change at any time, registered or removed at once.
 void StressRegisterAll(StressListener& listener);
 void StressUnRegisterAll(StressListener& listener);
