@@ -22,7 +22,8 @@ enum EInterfaceType {
     intfIPort = 11
 };
 
-// NI: not implemented, NA: not available, WO/RO/RW: write-only, read-only, read-write.
+// NI: the device lacks the feature, NA: it exists but is unavailable now, WO/RO/RW: write-only,
+// read-only, read-write.
 enum EAccessMode { NI = 0, NA = 1, WO = 2, RO = 3, RW = 4, _UndefinedAccesMode = 5, _CycleDetectAccesMode = 6 };
 
 enum EVisibility { Beginner = 0, Expert = 1, Guru = 2, Invisible = 3, _UndefinedVisibility = 99 };

@@ -18,6 +18,21 @@ const char* const kNodeUnwritable = "Node unwritable";
 const char* const kUnsupportedType = "Unsupported type";
 const char* const kAvailabilityFailed = "Get pIsAvailable failed!";
 
+// The named node; null with -1 (no node map) or -4 (no such node) in failure and the message set.
+INode* LookUpNode(INodeMap* nodeMap, const std::string& name, std::string& message, int& failure) {
+    if (nodeMap == nullptr) {
+        message = kNodeMapNull;
+        failure = -1;
+        return nullptr;
+    }
+    INode* node = nodeMap->GetNode(name);
+    if (node == nullptr) {
+        message = kNodeMissing;
+        failure = -4;
+    }
+    return node;
+}
+
 // Runs the part of a node operation that follows a successful lookup: GenICam exceptions become -7 with
 // their description, anything else -8 with the message untouched.
 template <class Operation> int Guarded(std::string& message, Operation operation) {
@@ -87,14 +102,10 @@ int WriteTyped(INode* node, std::string& message, const char* unwritableMessage,
 } // namespace
 
 int GetNodeValue(INodeMap* nodeMap, std::string name, std::string& value, std::string& message) {
-    if (nodeMap == nullptr) {
-        message = kNodeMapNull;
-        return -1;
-    }
-    INode* node = nodeMap->GetNode(name);
+    int lookupFailure = 0;
+    INode* node = LookUpNode(nodeMap, name, message, lookupFailure);
     if (node == nullptr) {
-        message = kNodeMissing;
-        return -4;
+        return lookupFailure;
     }
     return Guarded(message, [&]() {
         const int availability = CheckAvailability(nodeMap, node, message);
@@ -131,14 +142,10 @@ int GetNodeValue(INodeMap* nodeMap, std::string name, std::string& value, std::s
 }
 
 int SetNodeValue(INodeMap* nodeMap, std::string name, std::string value, std::string& message) {
-    if (nodeMap == nullptr) {
-        message = kNodeMapNull;
-        return -1;
-    }
-    INode* node = nodeMap->GetNode(name);
+    int lookupFailure = 0;
+    INode* node = LookUpNode(nodeMap, name, message, lookupFailure);
     if (node == nullptr) {
-        message = kNodeMissing;
-        return -4;
+        return lookupFailure;
     }
     return Guarded(message, [&]() {
         switch (node->GetPrincipalInterfaceType()) {
@@ -177,14 +184,10 @@ int SetNodeValue(INodeMap* nodeMap, std::string name, std::string value, std::st
 
 int GetIntNodeInfo(INodeMap* nodeMap, std::string name, std::string& value, std::string& min, std::string& max,
                    std::string& inc, std::string& message) {
-    if (nodeMap == nullptr) {
-        message = kNodeMapNull;
-        return -1;
-    }
-    INode* node = nodeMap->GetNode(name);
+    int lookupFailure = 0;
+    INode* node = LookUpNode(nodeMap, name, message, lookupFailure);
     if (node == nullptr) {
-        message = kNodeMissing;
-        return -4;
+        return lookupFailure;
     }
     return Guarded(message, [&]() {
         if (node->GetPrincipalInterfaceType() != GenApi_3_4::intfIInteger) {
