@@ -189,7 +189,8 @@ std::string FeatureTree::Representation(const Node& node, int depth) const
     return declared;
 }
 
-std::string FeatureTree::Bound(const Node& node, const std::string& name, const ValueReader& readValue) const
+std::string FeatureTree::Bound(const Node& node, const std::string& name, const ValueReader& readValue,
+                               int depth) const
 {
     const std::string literal = Property(node, name);
     if (!literal.empty()) {
@@ -199,6 +200,12 @@ std::string FeatureTree::Bound(const Node& node, const std::string& name, const 
     std::string value;
     if (!reference.empty() && readValue(reference, value)) {
         return value;
+    }
+    // A plain Integer or Float without its own bound takes it from the node its value comes from.
+    const auto referenced = m_nodes.find(Property(node, "pValue"));
+    if ((node.element == "Integer" || node.element == "Float") && referenced != m_nodes.end() &&
+        depth < MaxReferenceDepth) {
+        return Bound(referenced->second, name, readValue, depth + 1);
     }
     return std::string();
 }
@@ -273,9 +280,9 @@ void FeatureTree::PrintFeature(std::ostream& out, const std::string& name, const
         out << "  (not readable now)";
     }
     if (type == "Integer" || type == "Float") {
-        const std::string min = Bound(node, "Min", readValue);
-        const std::string max = Bound(node, "Max", readValue);
-        const std::string inc = Bound(node, "Inc", readValue);
+        const std::string min = Bound(node, "Min", readValue, 0);
+        const std::string max = Bound(node, "Max", readValue, 0);
+        const std::string inc = Bound(node, "Inc", readValue, 0);
         if (!min.empty() || !max.empty()) {
             out << "  [" << (min.empty() ? "?" : min) << " .. " << (max.empty() ? "?" : max);
             if (!inc.empty() && inc != "1") {
