@@ -25,7 +25,6 @@ constexpr double bitsPerMegabit = 125000.0;
 constexpr auto switchWritePause = std::chrono::milliseconds(10);
 constexpr auto drainPollInterval = std::chrono::milliseconds(10);
 constexpr auto emptyListPause = std::chrono::milliseconds(5);
-constexpr auto failedReadPause = std::chrono::milliseconds(5);
 constexpr auto stopDelay = std::chrono::milliseconds(50);
 
 const std::array<const char*, 4> modeSwitches = {"EnableExtraction", "EnableImage", "EnableCalibration",
@@ -279,7 +278,7 @@ void LPCamera::RunAcquisition()
             }
             ++errors;
             LogGrabFailure(result, lastId);
-            std::this_thread::sleep_for(failedReadPause);
+            PauseAfterFailedRead(result);
             continue;
         }
 

@@ -275,16 +275,21 @@ void AravisCamera::MarkAlive()
 bool AravisCamera::ProbeDevice()
 {
     GObjectPtr<ArvDevice> device;
+    std::string gigeAddress;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        device = RefObject(m_device.get());
+        if (!m_device)
+            return true;   // closed meanwhile: nothing to probe
+        // A GigE Vision register read through Aravis queues behind its heartbeat, whose transaction
+        // to a dead device retries for seconds; our own socket has a deadline of its own. Holding
+        // no reference meanwhile, the probe never ends up running the device's teardown.
+        if (ARV_IS_GV_DEVICE(m_device.get()))
+            gigeAddress = GigeDeviceAddress(m_device.get());
+        else
+            device = RefObject(m_device.get());
     }
     if (!device)
-        return true;   // closed meanwhile: nothing to probe
-    // A GigE Vision register read through Aravis queues behind its heartbeat, whose transaction to
-    // a dead device retries for seconds; our own socket has a deadline of its own.
-    if (ARV_IS_GV_DEVICE(device.get()))
-        return GvcpBootstrapReader::Answers(GigeDeviceAddress(device.get()));
+        return GvcpBootstrapReader::Answers(gigeAddress);
     guint32 value = 0;
     GError* error = nullptr;
     bool answered = arv_device_read_register(device.get(), kProbeRegister, &value, &error);

@@ -22,8 +22,10 @@ public:
 
     // Buffers queued per acquisition.
     static constexpr unsigned kBufferPoolSize = 16;
-    // A frame within this time proves the device alive without a register read.
-    static constexpr int64_t kAliveByFramesMs = 1000;
+    // A frame within this time proves the device alive without a register read. Short, so that a
+    // camera that stopped sending is asked at the watchdog's next look: a loss must be handled
+    // within about a second of the last frame.
+    static constexpr int64_t kAliveByFramesMs = 300;
 
     int Open(int accessMode) override;
     int Close() override;
