@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "ZylSdk.h"
 #include "genapi/GenApi.h"
@@ -51,7 +52,15 @@ private:
     int CloseLocked();
     void StopStreamLocked();
     bool ExecuteCommand(const char* name);
+    // What a probe asks: a GigE Vision device's address, or a reference to any other device.
+    struct ProbeTarget {
+        std::string gigeAddress;
+        GObjectPtr<ArvDevice> device;
+    };
+    ProbeTarget ProbeTargetLocked() const;
+    static bool Answers(const ProbeTarget& target);
     bool ProbeDevice();
+    void MarkLostUnlessAnsweringLocked();
     bool IsLost() const;
     void MarkAlive();
 
