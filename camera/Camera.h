@@ -135,8 +135,14 @@ protected:
     // After a failed read. A device that is gone fails every read at once: the grab thread then
     // waits for the watchdog (or the host) to stop the grab rather than count failure upon failure.
     void PauseAfterFailedRead(int code);
-    // Appends a frame, releasing the oldest one first when two are already waiting.
+    // Appends a frame, releasing the oldest one first when two are already waiting, and wakes
+    // the delivery thread.
     void QueueImageKeepingNewest(ZYLGENICAM::IImage* image);
+    // Appends a frame, dropping none, and wakes the delivery thread.
+    void QueueImage(ZYLGENICAM::IImage* image);
+    // Parks the delivery thread, which holds the image-list lock, until a frame is queued; false
+    // when delivery must pause instead. Nothing is polled: the frame wakes it.
+    bool WaitForQueuedImage(std::unique_lock<std::mutex>& lock);
     void PublishStatistics(uint64_t frameCount, uint64_t errorCount, double frameRate, double bandwidth);
     // Frame and error counters only; the rates keep their values.
     void PublishCounters(uint64_t frameCount, uint64_t errorCount);

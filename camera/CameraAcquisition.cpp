@@ -14,7 +14,6 @@ constexpr uint64_t grabTimeoutMs = 300;
 constexpr uint64_t publicationPeriodMs = 300;
 constexpr uint64_t deliveryPeriodMs = 30;
 constexpr int sdkTimeout = -11;
-constexpr auto emptyListPause = std::chrono::milliseconds(5);
 constexpr auto failedReadPause = std::chrono::milliseconds(5);
 constexpr int sdkLost = -13;
 constexpr auto stopDelay = std::chrono::milliseconds(50);
@@ -184,12 +183,30 @@ void Camera::MarkGrabInactive()
 
 void Camera::QueueImageKeepingNewest(ZYLGENICAM::IImage* image)
 {
-    std::lock_guard<std::mutex> lock(m_imageListMutex);
-    if (m_imageList.Size() >= 2) {
-        if (ZYLGENICAM::IImage* oldest = m_imageList.PopFront())
-            oldest->Release();
+    {
+        std::lock_guard<std::mutex> lock(m_imageListMutex);
+        if (m_imageList.Size() >= 2) {
+            if (ZYLGENICAM::IImage* oldest = m_imageList.PopFront())
+                oldest->Release();
+        }
+        m_imageList.PushBack(image);
     }
-    m_imageList.PushBack(image);
+    m_deliveryCondition.notify_one();
+}
+
+void Camera::QueueImage(ZYLGENICAM::IImage* image)
+{
+    {
+        std::lock_guard<std::mutex> lock(m_imageListMutex);
+        m_imageList.PushBack(image);
+    }
+    m_deliveryCondition.notify_one();
+}
+
+bool Camera::WaitForQueuedImage(std::unique_lock<std::mutex>& lock)
+{
+    m_deliveryCondition.wait(lock, [this] { return DeliveryShouldPause() || !m_imageList.Empty(); });
+    return !DeliveryShouldPause();
 }
 
 void Camera::NotifyAcqStatistics()
@@ -364,18 +381,14 @@ void Camera::DeliverImageFunction()
 {
     while (WaitForDeliveryStart()) {
         RateRing ring(NowMs());
-        while (!DeliveryShouldPause()) {
+        for (;;) {
             ZYLGENICAM::IImage* image = nullptr;
             {
-                std::lock_guard<std::mutex> lock(m_imageListMutex);
-                if (!m_imageList.Empty() && m_imageList.Back()) {
-                    image = m_imageList.PopBack();
-                    ClearImageList();
-                }
-            }
-            if (!image) {
-                std::this_thread::sleep_for(emptyListPause);
-                continue;
+                std::unique_lock<std::mutex> lock(m_imageListMutex);
+                if (!WaitForQueuedImage(lock))
+                    break;
+                image = m_imageList.PopBack();
+                ClearImageList();
             }
             ring.CountNewest(1);
             // The frame now belongs to the host.
