@@ -68,12 +68,12 @@ void EventManager::NotifyLayoutUpdateListener(LAYOUT_TYPE layout)
 
 int EventManager::RegisterImageUpdateListener(std::string /*cameraId*/, IImageUpdate* listener)
 {
-    return RegisterSnapshotListener(listener, m_imageListeners);
+    return m_imageListeners.Add(listener);
 }
 
 int EventManager::UnRegisterImageUpdateListener(std::string /*cameraId*/, IImageUpdate* listener)
 {
-    return UnRegisterSnapshotListener(listener, m_imageListeners);
+    return m_imageListeners.Remove(listener);
 }
 
 std::size_t EventManager::NotifyImageUpdateListener(std::string cameraKey, void* image, int extra1, int extra2)
@@ -115,12 +115,12 @@ void EventManager::NotifySLImageShowModeUpdateListener(std::string cameraId, int
 
 int EventManager::RegisterAcqStatisticUpdateListener(IAcqStatisticUpdate* listener)
 {
-    return RegisterSnapshotListener(listener, m_acqStatisticListeners);
+    return m_acqStatisticListeners.Add(listener);
 }
 
 int EventManager::UnRegisterAcqStatisticUpdateListener(IAcqStatisticUpdate* listener)
 {
-    return UnRegisterSnapshotListener(listener, m_acqStatisticListeners);
+    return m_acqStatisticListeners.Remove(listener);
 }
 
 void EventManager::NotifyAcqStatisticUpdateListener(std::string cameraName, bool fromSetInfo)

@@ -55,27 +55,6 @@ void NotifyListener(Mutex& mutex, Vector& listeners, void (Listener::*callback)(
     }
 }
 
-// The same rules for the snapshot lists of the frame path.
-template <typename Listener>
-int RegisterSnapshotListener(Listener* listener, SnapshotListenerList<Listener>& listeners)
-{
-    if (listener == nullptr) {
-        return -1;
-    }
-    listeners.Add(listener);
-    return 0;
-}
-
-template <typename Listener>
-int UnRegisterSnapshotListener(Listener* listener, SnapshotListenerList<Listener>& listeners)
-{
-    if (listener == nullptr) {
-        return -1;
-    }
-    listeners.Remove(listener);
-    return 0;
-}
-
 class EventManager {
 public:
     EventManager() = default;

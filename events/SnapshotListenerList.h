@@ -27,22 +27,18 @@ public:
     SnapshotListenerList(const SnapshotListenerList&) = delete;
     SnapshotListenerList& operator=(const SnapshotListenerList&) = delete;
 
-    // A listener registered twice is called twice.
-    void Add(Listener* listener)
+    // Both refuse a null listener with -1 and answer 0 otherwise. A listener added twice is
+    // called twice; removing takes every occurrence and keeps the others' order.
+    int Add(Listener* listener)
     {
-        std::lock_guard<std::mutex> lock(m_changeMutex);
-        auto next = std::make_unique<Snapshot>(*m_current.load());
-        next->push_back(listener);
-        Publish(std::move(next));
+        return Change(listener, [listener](Snapshot& next) { next.push_back(listener); });
     }
 
-    // Every occurrence goes; the others keep their order.
-    void Remove(Listener* listener)
+    int Remove(Listener* listener)
     {
-        std::lock_guard<std::mutex> lock(m_changeMutex);
-        auto next = std::make_unique<Snapshot>(*m_current.load());
-        next->erase(std::remove(next->begin(), next->end(), listener), next->end());
-        Publish(std::move(next));
+        return Change(listener, [listener](Snapshot& next) {
+            next.erase(std::remove(next.begin(), next.end(), listener), next.end());
+        });
     }
 
     void Clear()
@@ -88,6 +84,18 @@ private:
                 return counter;
             counter.fetch_sub(1);
         }
+    }
+
+    template <typename Edit>
+    int Change(Listener* listener, Edit edit)
+    {
+        if (listener == nullptr)
+            return -1;
+        std::lock_guard<std::mutex> lock(m_changeMutex);
+        auto next = std::make_unique<Snapshot>(*m_current.load());
+        edit(*next);
+        Publish(std::move(next));
+        return 0;
     }
 
     // The caller holds the change mutex.
