@@ -143,6 +143,7 @@ int AravisCamera::Close()
 
 int AravisCamera::CloseLocked()
 {
+    MarkLostUnlessAnsweringLocked();
     StopStreamLocked();
     m_open.store(false);
     g_signal_handler_disconnect(m_device.get(), m_controlLostHandler);
@@ -227,6 +228,7 @@ void AravisCamera::StopStreamLocked()
 {
     if (!m_stream)
         return;
+    MarkLostUnlessAnsweringLocked();
     if (IsLost()) {
         LostDeviceTeardown::Instance().Add(std::move(m_stream));
     } else {
@@ -272,24 +274,49 @@ void AravisCamera::MarkAlive()
     m_lastAliveMs.store(SteadyNowMs());
 }
 
-bool AravisCamera::ProbeDevice()
+// A GigE Vision register read through Aravis queues behind its heartbeat, whose transaction to a
+// dead device retries for seconds; our own socket has a deadline of its own. Holding no reference
+// meanwhile, a GigE Vision probe never ends up running the device's teardown.
+AravisCamera::ProbeTarget AravisCamera::ProbeTargetLocked() const
 {
-    GObjectPtr<ArvDevice> device;
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        device = RefObject(m_device.get());
-    }
-    if (!device)
-        return true;   // closed meanwhile: nothing to probe
-    // A GigE Vision register read through Aravis queues behind its heartbeat, whose transaction to
-    // a dead device retries for seconds; our own socket has a deadline of its own.
-    if (ARV_IS_GV_DEVICE(device.get()))
-        return GvcpBootstrapReader::Answers(GigeDeviceAddress(device.get()));
+    ProbeTarget target;
+    if (ARV_IS_GV_DEVICE(m_device.get()))
+        target.gigeAddress = GigeDeviceAddress(m_device.get());
+    else
+        target.device = RefObject(m_device.get());
+    return target;
+}
+
+bool AravisCamera::Answers(const ProbeTarget& target)
+{
+    if (!target.device)
+        return GvcpBootstrapReader::Answers(target.gigeAddress);
     guint32 value = 0;
     GError* error = nullptr;
-    bool answered = arv_device_read_register(device.get(), kProbeRegister, &value, &error);
+    bool answered = arv_device_read_register(target.device.get(), kProbeRegister, &value, &error);
     g_clear_error(&error);
     return answered;
+}
+
+bool AravisCamera::ProbeDevice()
+{
+    ProbeTarget target;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_device)
+            return true;   // closed meanwhile: nothing to probe
+        target = ProbeTargetLocked();
+    }
+    return Answers(target);
+}
+
+// Stopping and closing talk to the device on the caller's thread. One that died since the watchdog
+// last looked would hold the caller for as long as Aravis retries, so it is asked first (a single
+// exchange with a live device) and, without an answer, let go like a lost one.
+void AravisCamera::MarkLostUnlessAnsweringLocked()
+{
+    if (!IsLost() && !Answers(ProbeTargetLocked()))
+        m_lost.store(true);
 }
 
 // Aravis's control-lost signal alone comes late (its heartbeat gives up after several seconds),

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "ZylSdk.h"
 #include "genapi/GenApi.h"
@@ -22,8 +23,10 @@ public:
 
     // Buffers queued per acquisition.
     static constexpr unsigned kBufferPoolSize = 16;
-    // A frame within this time proves the device alive without a register read.
-    static constexpr int64_t kAliveByFramesMs = 1000;
+    // A frame within this time proves the device alive without a register read. Short, so that a
+    // camera that stopped sending is asked at the watchdog's next look: a loss must be handled
+    // within about a second of the last frame.
+    static constexpr int64_t kAliveByFramesMs = 300;
 
     int Open(int accessMode) override;
     int Close() override;
@@ -49,7 +52,15 @@ private:
     int CloseLocked();
     void StopStreamLocked();
     bool ExecuteCommand(const char* name);
+    // What a probe asks: a GigE Vision device's address, or a reference to any other device.
+    struct ProbeTarget {
+        std::string gigeAddress;
+        GObjectPtr<ArvDevice> device;
+    };
+    ProbeTarget ProbeTargetLocked() const;
+    static bool Answers(const ProbeTarget& target);
     bool ProbeDevice();
+    void MarkLostUnlessAnsweringLocked();
     bool IsLost() const;
     void MarkAlive();
 

@@ -6,7 +6,6 @@
 #include "sdk/aravis/AravisCameraInfo.h"
 #include "sdk/aravis/AravisDiscovery.h"
 #include "sdk/aravis/GObjectPtr.h"
-#include "sdk/aravis/LostDeviceTeardown.h"
 #include "sdk/aravis/SimulatedCameraRegistry.h"
 
 namespace ZYLGENICAM {
@@ -16,9 +15,10 @@ int Init()
     return SDK_OK;
 }
 
+// Lost devices still being let go are left to their worker: waiting here would hold the host's
+// shutdown for as long as Aravis retries a device that no longer answers.
 int UnInit()
 {
-    LostDeviceTeardown::Instance().Drain();
     SimulatedCameraRegistry::Instance().Clear();
     return SDK_OK;
 }
