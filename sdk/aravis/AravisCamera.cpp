@@ -7,6 +7,7 @@
 #include "sdk/aravis/AravisImage.h"
 #include "sdk/aravis/GvcpBootstrapReader.h"
 #include "sdk/aravis/LostDeviceTeardown.h"
+#include "sdk/aravis/OpenUsbDevices.h"
 
 namespace ZYLGENICAM {
 
@@ -79,13 +80,13 @@ GObjectPtr<ArvDevice> AravisCamera::OpenDevice(int& result)
         result = SDK_OK;
         return RefObject(record.simulated->Device());
     }
-    std::lock_guard<std::mutex> interfaceLock(AravisDiscovery::InterfaceMutex());
-    ArvInterface* transport = record.tlType == TL_GIGE ? arv_gv_interface_get_instance() : arv_uv_interface_get_instance();
-    GError* error = nullptr;
-    GObjectPtr<ArvDevice> device(arv_interface_open_device(transport, record.aravisDeviceId.c_str(), &error));
-    g_clear_error(&error);
-    if (!device && record.tlType == TL_GIGE && !record.ipAddress.empty()) {
-        device.reset(arv_interface_open_device(transport, record.ipAddress.c_str(), &error));
+    GObjectPtr<ArvDevice> device;
+    if (record.tlType == TL_GIGE) {
+        device = AravisDiscovery::OpenGigeDevice(record.hostInterfaceAddress, record.ipAddress);
+    } else {
+        std::lock_guard<std::mutex> interfaceLock(AravisDiscovery::InterfaceMutex());
+        GError* error = nullptr;
+        device.reset(arv_interface_open_device(arv_uv_interface_get_instance(), record.aravisDeviceId.c_str(), &error));
         g_clear_error(&error);
     }
     if (!device)
@@ -126,6 +127,8 @@ int AravisCamera::Open(int)
     g_object_set_data_full(G_OBJECT(device.get()), "viewerbiz3-control-lost",
         new std::shared_ptr<std::atomic<bool>>(m_controlLost), DeleteControlLostFlag);
     m_controlLostHandler = g_signal_connect(device.get(), "control-lost", G_CALLBACK(OnControlLost), m_controlLost.get());
+    if (m_info->m_record.tlType == TL_USB)
+        OpenUsbDevices::Instance().Add(m_info->m_record.aravisDeviceId, device.get());
     m_device = std::move(device);
     m_lost.store(false);
     MarkAlive();
@@ -149,6 +152,8 @@ int AravisCamera::CloseLocked()
     m_controlLostHandler = 0;
     m_featureModule.reset();
     m_nodeMap.reset();   // before the device: it reads through it
+    if (m_info->m_record.tlType == TL_USB)
+        OpenUsbDevices::Instance().Remove(m_info->m_record.aravisDeviceId);
     if (IsLost())
         LostDeviceTeardown::Instance().Add(std::shared_ptr<ArvDevice>(m_device.release(), GObjectUnref()));
     m_device.reset();

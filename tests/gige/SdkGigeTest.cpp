@@ -1,5 +1,6 @@
 // The Aravis camera SDK end to end against a simulated GigE Vision camera in its own process on
 // 127.0.0.1, inside this program's private network namespace.
+#include <arv.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -10,6 +11,7 @@
 
 #include "ZylSdk.h"
 #include "genapi/GenApi.h"
+#include "sdk/aravis/GObjectPtr.h"
 #include "support/common/FakeGigeCamera.h"
 #include "support/common/SdkCameraFeatures.h"
 
@@ -24,6 +26,14 @@ using SdkCameraFeatures::Write;
 namespace {
 
 constexpr uint64_t kWaitMs = 3000;
+
+std::string AddressText(GInetAddress* address)
+{
+    gchar* text = g_inet_address_to_string(address);
+    std::string result = text;
+    g_free(text);
+    return result;
+}
 
 class SdkGigeTest : public ::testing::Test {
 protected:
@@ -181,13 +191,32 @@ TEST_F(SdkGigeTest, OpenCameraIsConfiguredStreamsAndIsReportedLostWhenItsProcess
     EXPECT_EQ(camera->Close(), SDK_OK);
 }
 
-TEST_F(SdkGigeTest, SetCameraIpStoresAPersistentAddressOnly)
+// arv-fake-gv-camera-0.8 keeps the persistent-IP registers and configuration bit (as plain
+// memory) but knows no FORCEIP: the temporary address goes unanswered.
+TEST_F(SdkGigeTest, SetCameraIpStoresThePersistentAddressAndTheSimulatorLeavesForceIpUnanswered)
 {
     const std::string serial = m_device.SerialNumber();
-    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_OK);
-    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", false), SDK_ERROR);
+    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "127.0.0.254", true), SDK_OK);
+    GObjectPtr<GInetAddress> loopback(g_inet_address_new_from_string(FakeGigeCamera::kAddress));
+    GObjectPtr<ArvDevice> device(arv_gv_device_new(loopback.get(), loopback.get(), nullptr));
+    ASSERT_NE(device, nullptr);
+    auto* gv = ARV_GV_DEVICE(device.get());
+    GInetAddress* ip = nullptr;
+    GInetAddressMask* mask = nullptr;
+    GInetAddress* gateway = nullptr;
+    ASSERT_TRUE(arv_gv_device_get_persistent_ip(gv, &ip, &mask, &gateway, nullptr));
+    GObjectPtr<GInetAddress> ownedIp(ip), ownedGateway(gateway);
+    GObjectPtr<GInetAddressMask> ownedMask(mask);
+    EXPECT_EQ(AddressText(ip), "127.0.0.1");
+    EXPECT_EQ(AddressText(g_inet_address_mask_get_address(mask)), "255.0.0.0");
+    EXPECT_EQ(AddressText(gateway), "127.0.0.254");
+    EXPECT_EQ(arv_gv_device_get_ip_configuration_mode(gv, nullptr), ARV_GV_IP_CONFIGURATION_MODE_PERSISTENT_IP);
+    device.reset();
+
+    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", false), SDK_TIMEOUT);
     EXPECT_EQ(SetCameraIP("NO-SUCH-SERIAL", "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_ERROR);
     EXPECT_EQ(SetCameraIP(nullptr, "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_INVALID_ARGUMENT);
+    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.300", "255.0.0.0", "0.0.0.0", false), SDK_INVALID_ARGUMENT);
 }
 
 } // namespace
