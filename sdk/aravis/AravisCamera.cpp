@@ -5,6 +5,7 @@
 #include "genapi/NodeMapFactory.h"
 #include "sdk/aravis/AravisDiscovery.h"
 #include "sdk/aravis/AravisImage.h"
+#include "sdk/aravis/GigeTransportModule.h"
 #include "sdk/aravis/GvcpBootstrapReader.h"
 #include "sdk/aravis/LostDeviceTeardown.h"
 #include "sdk/aravis/OpenUsbDevices.h"
@@ -121,6 +122,10 @@ int AravisCamera::Open(int)
     size_t xmlSize = 0;
     const char* xml = arv_device_get_genicam_xml(device.get(), &xmlSize);
     m_featureModule = std::make_unique<AravisModule>(m_nodeMap.get(), xml != nullptr ? std::string(xml, xmlSize) : std::string());
+    if (ARV_IS_GV_DEVICE(device.get()))
+        m_transportNodeMap = GigeTransportModule::CreateNodeMap(device.get());
+    if (m_transportNodeMap)
+        m_transportModule = std::make_unique<AravisModule>(m_transportNodeMap.get(), GigeTransportModule::Xml());
     m_controlLost->store(false);
     // The device keeps the flag alive until it is finalized, which ends its heartbeat thread, so a
     // signal still in flight after disconnecting never touches freed memory.
@@ -151,7 +156,9 @@ int AravisCamera::CloseLocked()
     g_signal_handler_disconnect(m_device.get(), m_controlLostHandler);
     m_controlLostHandler = 0;
     m_featureModule.reset();
-    m_nodeMap.reset();   // before the device: it reads through it
+    m_transportModule.reset();
+    m_transportNodeMap.reset();
+    m_nodeMap.reset();   // before the device: they read through it
     if (m_info->m_record.tlType == TL_USB)
         OpenUsbDevices::Instance().Remove(m_info->m_record.aravisDeviceId);
     if (IsLost())
@@ -160,6 +167,12 @@ int AravisCamera::CloseLocked()
     if (m_info->m_record.simulated)
         m_info->m_record.simulated->CloseAccess();
     return SDK_OK;
+}
+
+IModule* AravisCamera::GetModule0()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_transportModule.get();
 }
 
 IModule* AravisCamera::GetModule3()

@@ -31,7 +31,7 @@ public:
     bool IsConnected() override;
     bool IsGrabbing() override { return m_grabbing.load(); }
     ICameraInfo* GetDeviceInfo() override { return m_info; }
-    IModule* GetModule0() override { return nullptr; }
+    IModule* GetModule0() override;
     IModule* GetModule1() override { return nullptr; }
     IModule* GetModule2() override { return nullptr; }
     IModule* GetModule3() override;
@@ -58,6 +58,8 @@ private:
     GObjectPtr<ArvDevice> m_device;
     std::unique_ptr<GenApi_3_4::INodeMap> m_nodeMap;
     std::unique_ptr<AravisModule> m_featureModule;
+    std::unique_ptr<GenApi_3_4::INodeMap> m_transportNodeMap;   // GigE Vision only
+    std::unique_ptr<AravisModule> m_transportModule;
     std::shared_ptr<AcquisitionStream> m_stream;
     // Written on Aravis's heartbeat thread; shared with the device so a late signal never touches a
     // freed camera.
