@@ -126,6 +126,7 @@ int AravisCamera::Open(int)
         m_transportNodeMap = GigeTransportModule::CreateNodeMap(device.get());
     if (m_transportNodeMap)
         m_transportModule = std::make_unique<AravisModule>(m_transportNodeMap.get(), GigeTransportModule::Xml());
+    m_streamModule = std::make_unique<StreamModule>(device.get(), kBufferPoolSize);
     m_controlLost->store(false);
     // The device keeps the flag alive until it is finalized, which ends its heartbeat thread, so a
     // signal still in flight after disconnecting never touches freed memory.
@@ -158,6 +159,7 @@ int AravisCamera::CloseLocked()
     m_featureModule.reset();
     m_transportModule.reset();
     m_transportNodeMap.reset();
+    m_streamModule.reset();
     m_nodeMap.reset();   // before the device: they read through it
     if (m_info->m_record.tlType == TL_USB)
         OpenUsbDevices::Instance().Remove(m_info->m_record.aravisDeviceId);
@@ -173,6 +175,12 @@ IModule* AravisCamera::GetModule0()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_transportModule.get();
+}
+
+IModule* AravisCamera::GetModule4()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_streamModule ? m_streamModule->Module() : nullptr;
 }
 
 IModule* AravisCamera::GetModule3()
@@ -221,10 +229,13 @@ int AravisCamera::StartGrabbing(int, uint64_t)
         return SDK_ERROR;
     // Without root the default socket buffer loses almost every frame.
     if (ARV_IS_GV_STREAM(created))
-        g_object_set(created, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_AUTO, nullptr);
-    auto stream = std::make_shared<AcquisitionStream>(created, std::size_t(payload), kBufferPoolSize);
+        g_object_set(created, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_AUTO, "packet-resend",
+                     m_streamModule->PacketResend() ? ARV_GV_STREAM_PACKET_RESEND_ALWAYS : ARV_GV_STREAM_PACKET_RESEND_NEVER,
+                     nullptr);
+    auto stream = std::make_shared<AcquisitionStream>(created, std::size_t(payload), m_streamModule->BufferCount());
     if (!ExecuteCommand("AcquisitionStart"))
         return SDK_ERROR;
+    m_streamModule->Attach(stream);
     m_stream = std::move(stream);
     m_grabbing.store(true);
     MarkAlive();
@@ -245,6 +256,7 @@ void AravisCamera::StopStreamLocked()
 {
     if (!m_stream)
         return;
+    m_streamModule->Detach();
     if (IsLost()) {
         LostDeviceTeardown::Instance().Add(std::move(m_stream));
     } else {

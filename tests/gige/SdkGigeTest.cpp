@@ -183,7 +183,8 @@ TEST_F(SdkGigeTest, OpenCameraIsConfiguredStreamsAndIsReportedLostWhenItsProcess
 }
 
 // arv-fake-gv-camera-0.8 keeps the persistent-IP registers and configuration bit (as plain
-// memory) but knows no FORCEIP: the temporary address goes unanswered. Module 0 reads them back.
+// memory) but knows no FORCEIP: the temporary address goes unanswered. Module 0 reads them back;
+// module 4 reads the stream's packet settings.
 TEST_F(SdkGigeTest, SetCameraIpStoresThePersistentAddressAndTheSimulatorLeavesForceIpUnanswered)
 {
     const std::string serial = m_device.SerialNumber();
@@ -192,7 +193,6 @@ TEST_F(SdkGigeTest, SetCameraIpStoresThePersistentAddressAndTheSimulatorLeavesFo
     ASSERT_NE(camera, nullptr);
     ASSERT_EQ(camera->Open(0), SDK_OK);
     ASSERT_NE(camera->GetModule0(), nullptr);
-    EXPECT_EQ(camera->GetModule4(), nullptr);
     GenApi::INodeMap* transport = camera->GetModule0()->GetNodeMap();
     auto integer = [transport](const char* name) {
         GenApi::CIntegerPtr node = transport->GetNode(name);
@@ -210,6 +210,10 @@ TEST_F(SdkGigeTest, SetCameraIpStoresThePersistentAddressAndTheSimulatorLeavesFo
     EXPECT_TRUE(persistentConfiguration->GetValue());
     GenApi::CEnumerationPtr access = transport->GetNode("GevCCP");
     EXPECT_NE(access->ToString(), "OpenAccess") << "we hold control";
+    ASSERT_NE(camera->GetModule4(), nullptr);
+    GenApi::INodeMap* stream = camera->GetModule4()->GetNodeMap();
+    EXPECT_EQ(GenApi::CIntegerPtr(stream->GetNode("StreamPacketSize"))->GetValue(), 1400) << "the simulator's";
+    EXPECT_EQ(GenApi::CEnumerationPtr(stream->GetNode("StreamPacketResend"))->ToString(), "Always");
     ASSERT_EQ(camera->Close(), SDK_OK);
 
     EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", false), SDK_TIMEOUT);
