@@ -4,12 +4,13 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <optional>
 #include <vector>
 
+#include "sdk/aravis/BigEndian.h"
 #include "sdk/aravis/GvcpPacket.h"
+#include "sdk/aravis/UdpSocket.h"
 
 namespace ZYLGENICAM {
 
@@ -34,23 +35,12 @@ public:
         sockaddr_in device {};
         device.sin_family = AF_INET;
         device.sin_port = htons(kPort);
-        if (inet_pton(AF_INET, deviceAddress.c_str(), &device.sin_addr) != 1)
-            return;
-        m_fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        if (m_fd >= 0 && connect(m_fd, reinterpret_cast<sockaddr*>(&device), sizeof device) != 0) {
-            close(m_fd);
-            m_fd = -1;
-        }
+        if (inet_pton(AF_INET, deviceAddress.c_str(), &device.sin_addr) != 1 || !m_socket.IsOpen() ||
+            connect(m_socket.Fd(), reinterpret_cast<sockaddr*>(&device), sizeof device) != 0)
+            m_socket.Close();
     }
-    ~GvcpSocket()
-    {
-        if (m_fd >= 0)
-            close(m_fd);
-    }
-    GvcpSocket(const GvcpSocket&) = delete;
-    GvcpSocket& operator=(const GvcpSocket&) = delete;
 
-    bool IsOpen() const { return m_fd >= 0; }
+    bool IsOpen() const { return m_socket.IsOpen(); }
 
     // Reads one 32-bit register; false when the device did not answer or refused.
     bool ReadRegister(uint32_t address, uint32_t& value)
@@ -58,7 +48,7 @@ public:
         std::optional<Acknowledge> reply = Transact(READREG_CMD, READREG_ACK, RegisterRequest(address));
         if (!reply || reply->status != kStatusSuccess || reply->payload.size() < 4)
             return false;
-        value = Get32(reply->payload.data());
+        value = ReadBigEndian32(reply->payload.data());
         return true;
     }
 
@@ -68,12 +58,12 @@ public:
         uint16_t requestId = ++m_requestId;
         std::vector<uint8_t> packet = Command(command, requestId, payload);
         for (int attempt = 0; attempt < GvcpBootstrapReader::kAttempts; ++attempt) {
-            if (send(m_fd, packet.data(), packet.size(), 0) < 0)
+            if (send(m_socket.Fd(), packet.data(), packet.size(), 0) < 0)
                 return std::nullopt;
-            pollfd waiting { m_fd, POLLIN, 0 };
+            pollfd waiting { m_socket.Fd(), POLLIN, 0 };
             while (poll(&waiting, 1, GvcpBootstrapReader::kReplyTimeoutMs) > 0) {
                 uint8_t reply[1024];
-                ssize_t size = recv(m_fd, reply, sizeof reply, 0);
+                ssize_t size = recv(m_socket.Fd(), reply, sizeof reply, 0);
                 if (size < 0)
                     break;
                 if (auto ack = ParseAcknowledge(reply, std::size_t(size), answer, requestId))
@@ -84,7 +74,7 @@ public:
     }
 
 private:
-    int m_fd = -1;
+    UdpSocket m_socket;
     uint16_t m_requestId = 0;
 };
 

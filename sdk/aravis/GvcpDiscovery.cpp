@@ -6,7 +6,6 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -15,6 +14,7 @@
 
 #include "ZylSdk.h"
 #include "sdk/aravis/GvcpBootstrapReader.h"
+#include "sdk/aravis/UdpSocket.h"
 
 namespace ZYLGENICAM {
 
@@ -56,27 +56,16 @@ class BroadcastSocket {
 public:
     BroadcastSocket()
     {
-        m_fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
         int on = 1;
         sockaddr_in any {};
         any.sin_family = AF_INET;
-        if (m_fd >= 0 &&
-            (setsockopt(m_fd, SOL_SOCKET, SO_BROADCAST, &on, sizeof on) != 0 ||
-             setsockopt(m_fd, IPPROTO_IP, IP_PKTINFO, &on, sizeof on) != 0 ||
-             bind(m_fd, reinterpret_cast<sockaddr*>(&any), sizeof any) != 0)) {
-            close(m_fd);
-            m_fd = -1;
-        }
+        if (!m_socket.IsOpen() || setsockopt(m_socket.Fd(), SOL_SOCKET, SO_BROADCAST, &on, sizeof on) != 0 ||
+            setsockopt(m_socket.Fd(), IPPROTO_IP, IP_PKTINFO, &on, sizeof on) != 0 ||
+            bind(m_socket.Fd(), reinterpret_cast<sockaddr*>(&any), sizeof any) != 0)
+            m_socket.Close();
     }
-    ~BroadcastSocket()
-    {
-        if (m_fd >= 0)
-            close(m_fd);
-    }
-    BroadcastSocket(const BroadcastSocket&) = delete;
-    BroadcastSocket& operator=(const BroadcastSocket&) = delete;
 
-    bool IsOpen() const { return m_fd >= 0; }
+    bool IsOpen() const { return m_socket.IsOpen(); }
 
     bool SendFrom(const GigeAdapter& adapter, const std::vector<uint8_t>& packet)
     {
@@ -101,7 +90,7 @@ public:
         way.ipi_ifindex = int(adapter.index);
         way.ipi_spec_dst.s_addr = htonl(adapter.address);
         std::memcpy(CMSG_DATA(header), &way, sizeof way);
-        return sendmsg(m_fd, &message, 0) == ssize_t(packet.size());
+        return sendmsg(m_socket.Fd(), &message, 0) == ssize_t(packet.size());
     }
 
     // Waits for the next packet until the deadline; false when none came.
@@ -109,7 +98,7 @@ public:
     {
         for (;;) {
             auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-            pollfd waiting { m_fd, POLLIN, 0 };
+            pollfd waiting { m_socket.Fd(), POLLIN, 0 };
             if (left <= 0 || poll(&waiting, 1, int(left)) <= 0)
                 return false;
             packet.resize(1500);
@@ -120,7 +109,7 @@ public:
             message.msg_iovlen = 1;
             message.msg_control = control;
             message.msg_controllen = sizeof control;
-            ssize_t size = recvmsg(m_fd, &message, 0);
+            ssize_t size = recvmsg(m_socket.Fd(), &message, 0);
             if (size < 0)
                 continue;
             packet.resize(std::size_t(size));
@@ -137,7 +126,7 @@ public:
     }
 
 private:
-    int m_fd = -1;
+    UdpSocket m_socket;
 };
 
 const GigeAdapter* AdapterOfInterface(const std::vector<GigeAdapter>& adapters, unsigned index)

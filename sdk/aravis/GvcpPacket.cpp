@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "sdk/aravis/BigEndian.h"
+
 namespace ZYLGENICAM {
 namespace Gvcp {
 
@@ -40,14 +42,6 @@ std::string Field(const uint8_t* block, std::size_t offset, std::size_t length)
     return std::string(text, strnlen(text, length));
 }
 
-void Store32(uint8_t* out, uint32_t value)
-{
-    out[0] = uint8_t(value >> 24);
-    out[1] = uint8_t(value >> 16);
-    out[2] = uint8_t(value >> 8);
-    out[3] = uint8_t(value);
-}
-
 } // namespace
 
 void Put16(std::vector<uint8_t>& out, uint16_t value)
@@ -60,16 +54,6 @@ void Put32(std::vector<uint8_t>& out, uint32_t value)
 {
     Put16(out, uint16_t(value >> 16));
     Put16(out, uint16_t(value));
-}
-
-uint16_t Get16(const uint8_t* in)
-{
-    return uint16_t((in[0] << 8) | in[1]);
-}
-
-uint32_t Get32(const uint8_t* in)
-{
-    return (uint32_t(Get16(in)) << 16) | Get16(in + 2);
 }
 
 std::string AddressText(uint32_t hostOrder)
@@ -123,10 +107,10 @@ std::optional<Acknowledge> ParseAcknowledge(const uint8_t* packet, std::size_t s
 {
     if (packet == nullptr || size < kHeaderSize)
         return std::nullopt;
-    Acknowledge ack { Get16(packet), Get16(packet + 2), Get16(packet + 6), {} };
+    Acknowledge ack { ReadBigEndian16(packet), ReadBigEndian16(packet + 2), ReadBigEndian16(packet + 6), {} };
     if (ack.code != code || ack.requestId != requestId)
         return std::nullopt;
-    std::size_t length = std::min<std::size_t>(Get16(packet + 4), size - kHeaderSize);
+    std::size_t length = std::min<std::size_t>(ReadBigEndian16(packet + 4), size - kHeaderSize);
     ack.payload.assign(packet + kHeaderSize, packet + kHeaderSize + length);
     return ack;
 }
@@ -138,10 +122,10 @@ std::optional<DiscoveryData> ParseDiscoveryData(const std::vector<uint8_t>& payl
     const uint8_t* block = payload.data();
     DiscoveryData data;
     std::memcpy(data.mac.data(), block + kMacHigh, data.mac.size());
-    data.currentIpConfiguration = Get32(block + kCurrentIpConfiguration);
-    data.ip = Get32(block + kCurrentIp);
-    data.mask = Get32(block + kCurrentMask);
-    data.gateway = Get32(block + kCurrentGateway);
+    data.currentIpConfiguration = ReadBigEndian32(block + kCurrentIpConfiguration);
+    data.ip = ReadBigEndian32(block + kCurrentIp);
+    data.mask = ReadBigEndian32(block + kCurrentMask);
+    data.gateway = ReadBigEndian32(block + kCurrentGateway);
     data.vendor = Field(block, kVendor, kModel - kVendor);
     data.model = Field(block, kModel, kDeviceVersion - kModel);
     data.deviceVersion = Field(block, kDeviceVersion, kManufacturerInfo - kDeviceVersion);
@@ -155,9 +139,9 @@ std::vector<uint8_t> ForceIpPayload(const MacAddress& mac, uint32_t ip, uint32_t
 {
     std::vector<uint8_t> payload(kForceIpPayloadSize, 0);
     std::memcpy(payload.data() + kForceMacHigh, mac.data(), mac.size());
-    Store32(payload.data() + kForceIp, ip);
-    Store32(payload.data() + kForceMask, mask);
-    Store32(payload.data() + kForceGateway, gateway);
+    WriteBigEndian32(payload.data() + kForceIp, ip);
+    WriteBigEndian32(payload.data() + kForceMask, mask);
+    WriteBigEndian32(payload.data() + kForceGateway, gateway);
     return payload;
 }
 

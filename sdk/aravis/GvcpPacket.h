@@ -36,8 +36,6 @@ using MacAddress = std::array<uint8_t, 6>;
 
 void Put16(std::vector<uint8_t>& out, uint16_t value);
 void Put32(std::vector<uint8_t>& out, uint32_t value);
-uint16_t Get16(const uint8_t* in);
-uint32_t Get32(const uint8_t* in);
 
 // Dotted IPv4 text of an address in host byte order, and back (false for anything else).
 std::string AddressText(uint32_t hostOrder);

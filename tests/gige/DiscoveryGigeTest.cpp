@@ -4,7 +4,9 @@
 // adapter that heard it and gets its address forced.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -34,13 +36,27 @@ protected:
 
 const uint8_t kForeignMac[6] = { 0x02, 0x00, 0x00, 0x77, 0x00, 0x05 };
 
-GvcpResponderOnVeth::Identity ForeignCamera()
-{
-    GvcpResponderOnVeth::Identity identity { "VB3FAR", "Responder", "Far", {}, "10.99.0.5", "255.255.255.0",
-                                             "10.99.0.1" };
-    std::copy(kForeignMac, kForeignMac + 6, identity.mac);
-    return identity;
-}
+// A camera at 10.99.0.5/24 behind the adapter 192.168.77.1/24, listed by a GigE discovery pass.
+class ForeignSubnetGige : public DiscoveryGige {
+protected:
+    // Sets id to the listed identifier; skips the test when the link could not be built.
+    void StartAndList(bool acknowledgesForceIp)
+    {
+        GvcpResponderOnVeth::Identity identity { "VB3FAR", "Responder", "Far", {}, "10.99.0.5", "255.255.255.0",
+                                                 "10.99.0.1" };
+        std::copy(kForeignMac, kForeignMac + 6, identity.mac);
+        camera = std::make_unique<GvcpResponderOnVeth>(identity, acknowledgesForceIp);
+        std::string failure;
+        if (!camera->Start(failure))
+            GTEST_SKIP() << failure;
+        stage = std::make_unique<GigeDiscoveryStage>();
+        id = stage->WaitForListed(identity.serialNumber);
+    }
+
+    std::string id;
+    std::unique_ptr<GvcpResponderOnVeth> camera;
+    std::unique_ptr<GigeDiscoveryStage> stage;   // goes before the camera
+};
 
 } // namespace
 
@@ -100,15 +116,12 @@ TEST_F(DiscoveryGige, CameraBehindAVethIsAttachedToThatAdapter)
     EXPECT_EQ(manager->CloseCamera(id), 0);
 }
 
-TEST_F(DiscoveryGige, ForeignSubnetCameraIsListedUnderItsAdapterAndGetsAForcedAddress)
+TEST_F(ForeignSubnetGige, CameraIsListedUnderItsAdapterAndGetsAForcedAddress)
 {
-    GvcpResponderOnVeth camera(ForeignCamera(), true);
-    std::string failure;
-    if (!camera.Start(failure))
-        GTEST_SKIP() << failure;
-    GigeDiscoveryStage stage;
-    DeviceManager* manager = stage.manager;
-    const std::string id = stage.WaitForListed("VB3FAR");
+    StartAndList(true);
+    if (IsSkipped())
+        return;
+    DeviceManager* manager = stage->manager;
     ASSERT_EQ(id, "Far(VB3FAR)") << "named by the user-defined name of its discovery acknowledge";
     EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_LIST_KEY), GvcpResponderOnVeth::ADAPTER_KEY);
     EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_SAME_SEGMENT), "0");
@@ -118,7 +131,7 @@ TEST_F(DiscoveryGige, ForeignSubnetCameraIsListedUnderItsAdapterAndGetsAForcedAd
     EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_MODEL_NAME), "Responder");
 
     EXPECT_EQ(manager->ModifyCameraIP(id, "192.168.77.50", "255.255.255.0", "192.168.77.1", false), 0);
-    std::vector<GvcpResponderOnVeth::ForceIp> commands = camera.ForceIpCommands();
+    std::vector<GvcpResponderOnVeth::ForceIp> commands = camera->ForceIpCommands();
     ASSERT_EQ(commands.size(), 1u);
     EXPECT_EQ(commands[0].flags & 0x01, 0x01) << "acknowledge required";
     EXPECT_EQ(commands[0].code, 0x0004);
@@ -127,28 +140,25 @@ TEST_F(DiscoveryGige, ForeignSubnetCameraIsListedUnderItsAdapterAndGetsAForcedAd
     EXPECT_EQ(commands[0].ip, "192.168.77.50");
     EXPECT_EQ(commands[0].mask, "255.255.255.0");
     EXPECT_EQ(commands[0].gateway, "192.168.77.1");
-    EXPECT_TRUE(stage.events.WaitUntil(
+    EXPECT_TRUE(stage->events.WaitUntil(
         [&](const Events&) { return manager->GetCameraInfo(id, ViewerBiz3::CAM_IP) == "192.168.77.50"; },
         std::chrono::seconds(20)))
         << "the list is refreshed with the new address";
     EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_SAME_SEGMENT), "1");
 }
 
-TEST_F(DiscoveryGige, UnansweredForceIpFailsWithinTheGvcpTimeoutAndIsLogged)
+TEST_F(ForeignSubnetGige, UnansweredForceIpFailsWithinTheGvcpTimeoutAndIsLogged)
 {
-    GvcpResponderOnVeth camera(ForeignCamera(), false);
-    std::string failure;
-    if (!camera.Start(failure))
-        GTEST_SKIP() << failure;
-    GigeDiscoveryStage stage;
-    const std::string id = stage.WaitForListed("VB3FAR");
+    StartAndList(false);
+    if (IsSkipped())
+        return;
     ASSERT_FALSE(id.empty());
     CameraLogRecorder log;
     auto started = std::chrono::steady_clock::now();
-    EXPECT_EQ(stage.manager->ModifyCameraIP(id, "192.168.77.50", "255.255.255.0", "192.168.77.1", false), -11);
+    EXPECT_EQ(stage->manager->ModifyCameraIP(id, "192.168.77.50", "255.255.255.0", "192.168.77.1", false), -11);
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(4))
         << "one discovery window and four GVCP attempts of 250 ms";
-    EXPECT_EQ(camera.ForceIpCommands().size(), 4u);
+    EXPECT_EQ(camera->ForceIpCommands().size(), 4u);
     EXPECT_EQ(log.Count("Set camera ip failed, ip = 192.168.77.50, mask = 255.255.255.0, gateway = 192.168.77.1, "
                         "ret = -11"),
               1u);

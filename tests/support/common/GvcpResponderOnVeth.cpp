@@ -92,8 +92,7 @@ GvcpResponderOnVeth::~GvcpResponderOnVeth()
     m_stop.store(true);
     if (m_thread.joinable())
         m_thread.join();
-    if (m_linkMade)
-        Run("ip link del vb3f0");
+    Run("ip link del vb3f0");
 }
 
 bool GvcpResponderOnVeth::Start(std::string& failure)
@@ -103,12 +102,8 @@ bool GvcpResponderOnVeth::Start(std::string& failure)
         failure = m_cameraSpace->Failure();
         return false;
     }
-    m_linkMade = Run("ip link add vb3f0 type veth peer name vb3f1 netns " + m_cameraSpace->Name());
-    bool ready = m_linkMade && Run("ip addr add 192.168.77.1/24 broadcast + dev vb3f0") &&
-                 Run("ip link set vb3f0 up") &&
-                 m_cameraSpace->Ip("addr add " + m_identity.ip + "/24 broadcast + dev vb3f1") &&
-                 m_cameraSpace->Ip("link set vb3f1 up") && m_cameraSpace->Ip("route add default dev vb3f1");
-    if (!ready) {
+    if (!m_cameraSpace->LinkFromCaller("vb3f0", "192.168.77.1/24", "vb3f1", m_identity.ip + "/24") ||
+        !m_cameraSpace->Ip("route add default dev vb3f1")) {
         failure = "cannot build the veth link to the responder's namespace";
         return false;
     }

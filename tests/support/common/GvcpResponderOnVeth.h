@@ -54,7 +54,6 @@ private:
     Identity m_identity;
     bool m_acknowledgesForceIp;
     std::unique_ptr<NetworkNamespace> m_cameraSpace;
-    bool m_linkMade = false;
     std::atomic<bool> m_stop { false };
     std::thread m_thread;
     mutable std::mutex m_mutex;
