@@ -55,6 +55,20 @@ GObjectPtr<ArvDevice> OpenGigeDevice(const std::string& interfaceAddress, const 
     return device;
 }
 
+namespace {
+
+int GigeAccessStatus(const DiscoveredGigeDevice& device, const std::string& address)
+{
+    if (!device.ReachableByUnicast())
+        return ACCESS_NO_ACCESS;
+    bool controlled = false;
+    if (!GvcpBootstrapReader::ReadControlled(address, controlled))
+        return ACCESS_UNKNOWN;
+    return controlled ? ACCESS_BUSY : ACCESS_AVAILABLE;
+}
+
+} // namespace
+
 // Identity and addresses come from the discovery acknowledge, which reaches us from any subnet;
 // only whether another host controls the device needs a unicast read, and only a device in its
 // adapter's subnet can be asked (one outside it is listed as not accessible).
@@ -74,12 +88,7 @@ void AppendGigeCameras(std::list<ICameraInfo*>& records)
         record.subnetMask = Gvcp::AddressText(data.mask);
         record.gateway = Gvcp::AddressText(data.gateway);
         record.hostInterfaceAddress = Gvcp::AddressText(device.adapter.address);
-        record.accessStatus = ACCESS_NO_ACCESS;
-        bool controlled = false;
-        if (device.ReachableByUnicast())
-            record.accessStatus = !GvcpBootstrapReader::ReadControlled(record.ipAddress, controlled) ? ACCESS_UNKNOWN
-                                  : controlled                                                       ? ACCESS_BUSY
-                                                                                                     : ACCESS_AVAILABLE;
+        record.accessStatus = GigeAccessStatus(device, record.ipAddress);
         records.push_back(new AravisCameraInfo(std::move(record)));
     }
 }
