@@ -350,6 +350,11 @@ int ChangeAddress(LibrarySession& session, const std::string& camera, const Addr
     if (id.empty()) {
         return 1;
     }
+    // Only GigE cameras have an address; the change is searched for by broadcast, so nothing else asks.
+    if (GetCameraInfo(id, ViewerBiz3::CAM_IP).empty()) {
+        std::cerr << id << " is no GigE camera: it has no address to change.\n";
+        return 1;
+    }
     const int result = ViewerBiz3::ModifyCameraIp(id, change.address, change.mask, change.gateway, change.persistent);
     if (result != 0) {
         return ReportFailure("Changing the address of " + id, result);
