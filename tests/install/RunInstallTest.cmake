@@ -22,7 +22,7 @@ endif()
 
 run_checked("install" ${CMAKE_COMMAND} --install ${VB3_BUILD_DIR} --prefix ${prefix})
 
-foreach(header ViewerBiz3.h ViewerBiz3Types.h ViewerBiz3Listeners.h ZylImage.h)
+foreach(header ViewerBiz3.h ViewerBiz3Types.h ViewerBiz3Listeners.h ZylImage.h GenApi/GenApi.h GenApi/Pointer.h)
   if(NOT EXISTS ${prefix}/include/ViewerBiz3/${header})
     message(FATAL_ERROR "installed header missing: include/ViewerBiz3/${header}")
   endif()
@@ -66,7 +66,7 @@ run_checked("pkg-config" pkg-config --cflags --libs viewerbiz3)
 string(STRIP "${last_output}" pkg_flags)
 separate_arguments(pkg_flags UNIX_COMMAND "${pkg_flags}")
 run_checked("build pkg-config host" ${VB3_CXX} -std=c++17 ${sanitizer_flags} ${VB3_HOST_DIR}/InstallHost.cpp
-  ${pkg_flags} -o ${VB3_WORK_DIR}/pkg-config-host)
+  ${VB3_HOST_DIR}/NodeMapTour.cpp ${pkg_flags} -o ${VB3_WORK_DIR}/pkg-config-host)
 set(ENV{LD_LIBRARY_PATH} ${lib_dir})
 run_checked("run pkg-config host" ${VB3_WORK_DIR}/pkg-config-host)
 
