@@ -209,7 +209,7 @@ void CameraView::OnStatistics(const QString& camera)
     if (camera != m_camera) {
         return;
     }
-    m_statistics->setText(QString("Frames %1   %2 fps   %3 Mbit/s   Errors %4   Display %5 fps")
+    m_statistics->setText(QString("Frames %1 · %2 fps · %3 Mbit/s · err %4 · disp %5 fps")
                               .arg(Info(camera, CAM_FRAME_COUNT), Number(Info(camera, CAM_FRAME_RATE), 1),
                                    Number(Info(camera, CAM_BANDWIDTH), 1), Info(camera, CAM_ERROR_COUNT),
                                    Number(Info(camera, CAM_DISPLAY_RATE), 1)));

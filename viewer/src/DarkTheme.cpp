@@ -36,7 +36,7 @@ void Apply(QApplication& application)
         "QToolBar { border: none; spacing: 4px; padding: 3px; }"
         "QToolButton:checked { background: #1f5f7a; border-radius: 3px; }"
         "QWidget#viewStatus { background: #1b1e22; color: #9aa4ae; }"
-        "QLabel#viewStatistics { color: #7fd1a8; font-family: 'DejaVu Sans Mono'; }"
+        "QLabel#viewStatistics { color: #7fd1a8; }"
         "QTreeView { selection-background-color: #1f5f7a; }");
 }
 

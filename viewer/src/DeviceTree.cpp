@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QTreeWidget>
@@ -79,10 +80,18 @@ DeviceTree::DeviceTree(LibrarySession& session, QWidget* parent) : QWidget(paren
     m_tree->setContextMenuPolicy(Qt::CustomContextMenu);
     m_tree->setRootIsDecorated(true);
     m_tree->setUniformRowHeights(true);
-    column->addWidget(m_tree);
+    column->addWidget(m_tree, 3);
+    m_details = new QLabel;
+    m_details->setObjectName("deviceDetails");
+    m_details->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    m_details->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_details->setMargin(6);
+    m_details->setWordWrap(true);
+    column->addWidget(m_details, 2);
 
     connect(refresh, &QPushButton::clicked, this, &DeviceTree::Refresh);
     connect(m_tree, &QTreeWidget::customContextMenuRequested, this, &DeviceTree::ShowMenu);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, &DeviceTree::ShowDetails);
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
         const QString camera = item->data(NameColumn, CameraRole).toString();
         if (!camera.isEmpty()) {
@@ -114,6 +123,8 @@ QString DeviceTree::Resolve(const QString& text) const
 
 void DeviceTree::ShowList(const QStringList& adapters, const QStringList& cameras)
 {
+    const QString selected = m_tree->currentItem() != nullptr ? m_tree->currentItem()->data(NameColumn, CameraRole).toString()
+                                                              : QString();
     m_tree->clear();
     QHash<QString, QTreeWidgetItem*> adapterItems;
     for (const QString& adapter : adapters) {
@@ -134,8 +145,12 @@ void DeviceTree::ShowList(const QStringList& adapters, const QStringList& camera
         item->setData(NameColumn, CameraRole, camera);
         item->setIcon(NameColumn, style()->standardIcon(QStyle::SP_ComputerIcon));
         FillCamera(item, camera);
+        if (camera == selected || (selected.isEmpty() && m_tree->currentItem() == nullptr)) {
+            m_tree->setCurrentItem(item);
+        }
     }
     m_tree->expandAll();
+    ShowDetails();
     if (m_cameras != cameras) {
         m_cameras = cameras;
         emit camerasChanged(cameras);
@@ -164,6 +179,29 @@ void DeviceTree::FillCamera(QTreeWidgetItem* item, const QString& camera) const
                                      .arg(camera, Info(camera, CAM_MODEL_NAME), Info(camera, CAM_SERIAL), Info(camera, CAM_MAC)));
 }
 
+void DeviceTree::ShowDetails()
+{
+    QTreeWidgetItem* item = m_tree->currentItem();
+    const QString camera = item != nullptr ? item->data(NameColumn, CameraRole).toString() : QString();
+    if (camera.isEmpty()) {
+        m_details->setText("<span style='color:#7d8793'>Select a camera for its details. Double-click shows it in "
+                           "the focused view; the context menu renames it or changes its address.</span>");
+        return;
+    }
+    const std::pair<const char*, CAM_INFO> rows[] = {
+        {"Model", CAM_MODEL_NAME}, {"Serial", CAM_SERIAL},     {"Vendor", CAM_DEVICE_TEXT}, {"Version", CAM_DEVICE_TEXT2},
+        {"IP", CAM_IP},           {"Mask", CAM_MASK},         {"Gateway", CAM_GATEWAY},    {"MAC", CAM_MAC},
+        {"Adapter", CAM_LIST_KEY}};
+    QString html = QString("<b>%1</b><table cellspacing='3'>").arg(camera.toHtmlEscaped());
+    for (const auto& [label, field] : rows) {
+        const QString value = Info(camera, field);
+        if (!value.isEmpty()) {
+            html += QString("<tr><td style='color:#7d8793'>%1</td><td>%2</td></tr>").arg(label, value.toHtmlEscaped());
+        }
+    }
+    m_details->setText(html + "</table>");
+}
+
 void DeviceTree::UpdateCamera(const QString&, const QString& camera)
 {
     for (QTreeWidgetItemIterator it(m_tree); *it; ++it) {
@@ -171,6 +209,7 @@ void DeviceTree::UpdateCamera(const QString&, const QString& camera)
             FillCamera(*it, camera);
         }
     }
+    ShowDetails();
 }
 
 void DeviceTree::ShowTransportTypes(qulonglong mask)

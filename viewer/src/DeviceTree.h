@@ -11,6 +11,7 @@
 
 class LibrarySession;
 class QCheckBox;
+class QLabel;
 class QTreeWidget;
 class QTreeWidgetItem;
 
@@ -41,11 +42,13 @@ signals:
 
 private:
     void FillCamera(QTreeWidgetItem* item, const QString& camera) const;
+    void ShowDetails();
     void ShowMenu(const QPoint& position);
     void ApplyTransportTypes();
 
     LibrarySession& m_session;
     QTreeWidget* m_tree;
+    QLabel* m_details;
     QList<QCheckBox*> m_transports;
     QStringList m_cameras;
 };
