@@ -1,6 +1,7 @@
 # cmake -P script run by ctest: install, check the exported symbols, build and
 # run the host both ways. Any failure ends the script with an error.
-set(prefix ${VB3_WORK_DIR}/prefix)
+# With VB3_PREFIX the tree is there already (the Debian packages unpacked by
+# scripts/package) and nothing is installed.
 file(REMOVE_RECURSE ${VB3_WORK_DIR})
 file(MAKE_DIRECTORY ${VB3_WORK_DIR})
 
@@ -20,7 +21,12 @@ elseif(VB3_SANITIZE STREQUAL "thread")
   set(sanitizer_flags -fsanitize=thread)
 endif()
 
-run_checked("install" ${CMAKE_COMMAND} --install ${VB3_BUILD_DIR} --prefix ${prefix})
+if(DEFINED VB3_PREFIX)
+  set(prefix ${VB3_PREFIX})
+else()
+  set(prefix ${VB3_WORK_DIR}/prefix)
+  run_checked("install" ${CMAKE_COMMAND} --install ${VB3_BUILD_DIR} --prefix ${prefix})
+endif()
 
 foreach(header ViewerBiz3.h ViewerBiz3Types.h ViewerBiz3Listeners.h ZylImage.h GenApi/GenApi.h GenApi/Pointer.h)
   if(NOT EXISTS ${prefix}/include/ViewerBiz3/${header})
