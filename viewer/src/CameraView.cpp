@@ -63,6 +63,7 @@ CameraView::CameraView(LibrarySession& session, int number, QWidget* parent)
     column->addWidget(m_pages, 1);
     column->addWidget(status);
 
+    qRegisterMetaType<DisplayFrame>();
     connect(this, &CameraView::frameReady, this, &CameraView::Show, Qt::QueuedConnection);
     connect(m_controls, &ViewToolBar::cameraChosen, this, &CameraView::Bind);
     connect(m_controls, &ViewToolBar::openClicked, this, &CameraView::Open);
@@ -257,6 +258,7 @@ void CameraView::Show(const DisplayFrame& frame)
 {
     m_framePending = false;
     ++m_shownFrames;
+    m_shownFrameId = frame.frameId;
     if (!frame.profile.isEmpty()) {
         m_pages->setCurrentWidget(m_plot);
         m_plot->SetProfile(frame.profile);
@@ -288,10 +290,16 @@ bool CameraView::SaveShownFrame(const QString& file) const
     return !m_canvas->Picture().isNull() && m_canvas->Picture().save(file, "PNG");
 }
 
+QString CameraView::SuggestedFileName() const
+{
+    const QString folder = QString::fromStdString(GetParamterInfo(PARAM_IMAGE_PATH));
+    const QString name = QString("%1-%2.png").arg(m_camera.isEmpty() ? QString("frame") : m_camera).arg(m_shownFrameId);
+    return folder.isEmpty() ? name : folder + "/" + name;
+}
+
 void CameraView::SaveWithDialog()
 {
-    const QString file = QFileDialog::getSaveFileName(this, "Save shown frame", QString("%1.png").arg(m_camera),
-                                                      "PNG images (*.png)");
+    const QString file = QFileDialog::getSaveFileName(this, "Save shown frame", SuggestedFileName(), "PNG images (*.png)");
     if (!file.isEmpty() && !SaveShownFrame(file)) {
         emit message(QString("Could not save %1").arg(file));
     }

@@ -41,6 +41,8 @@ public:
     int StopGrab();
     // The shown picture (or the plot) as PNG; false when nothing is shown or writing failed.
     bool SaveShownFrame(const QString& file) const;
+    // "<image folder>/<camera>-<frame id>.png", the folder from the library's settings.
+    QString SuggestedFileName() const;
 
     ImageCanvas* Canvas() const { return m_canvas; }
     ProfilePlot* Plot() const { return m_plot; }
@@ -82,6 +84,7 @@ private:
     std::atomic<bool> m_framePending{false};
     std::atomic<bool> m_profileCamera{false};
     quint64 m_shownFrames = 0;
+    quint64 m_shownFrameId = 0;
     RangeImageStack m_rangeImage;
     ViewToolBar* m_controls;
     QStackedWidget* m_pages;

@@ -30,7 +30,10 @@ FeatureTree::FeatureTree(QWidget* parent) : QWidget(parent)
     top->addWidget(new QLabel("Visibility"));
     m_visibility = new QComboBox;
     m_visibility->addItems({"Beginner", "Expert", "Guru"});
-    m_visibility->setCurrentIndex(GenApi::Expert);
+    // The library keeps the level in its settings for the next start.
+    bool known = false;
+    const int level = QString::fromStdString(ViewerBiz3::GetParamterInfo(ViewerBiz3::PARAM_ATTRIBUTE_VISUAL_LEVEL)).toInt(&known);
+    m_visibility->setCurrentIndex(known && level >= GenApi::Beginner && level <= GenApi::Guru ? level : GenApi::Expert);
     top->addWidget(m_visibility, 1);
     column->addLayout(top);
     m_tree = new QTreeWidget;
@@ -45,7 +48,10 @@ FeatureTree::FeatureTree(QWidget* parent) : QWidget(parent)
     m_message->setWordWrap(true);
     m_message->setStyleSheet("color: #f07a5a;");
     column->addWidget(m_message);
-    connect(m_visibility, &QComboBox::currentIndexChanged, this, &FeatureTree::Rebuild);
+    connect(m_visibility, &QComboBox::currentIndexChanged, this, [this](int level) {
+        ViewerBiz3::SetParamterInfo(ViewerBiz3::PARAM_ATTRIBUTE_VISUAL_LEVEL, std::to_string(level));
+        Rebuild();
+    });
     ShowCamera(QString());
 }
 

@@ -22,6 +22,7 @@ public:
     void SetPicture(const QImage& picture, const QImage& sensorValues);
     void Clear(const QString& hint);
     const QImage& Picture() const { return m_picture; }
+    const QImage& SensorValues() const { return m_sensorValues; }
     void SetOverlayText(const QString& text);
     void SetRegions(const QMap<int, QRect>& regions);
     void SetRoiTool(bool on) { m_roiTool = on; }

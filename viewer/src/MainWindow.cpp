@@ -23,7 +23,8 @@ struct Language {
     const char* code;
     const char* name;
 };
-const Language Languages[] = {{"en", "English"}, {"de", "Deutsch"}, {"zh", "中文"}, {"ja", "日本語"}};
+// The library keeps the language by its English name.
+const Language Languages[] = {{"English", "English"}, {"Chinese", "中文"}, {"German", "Deutsch"}, {"Japanese", "日本語"}};
 
 } // namespace
 
@@ -115,6 +116,11 @@ void MainWindow::Connect()
             action->setChecked(action->data().toInt() == m_grid->ViewCount());
         }
     }, Qt::QueuedConnection);
+    connect(&events, &LibraryEvents::cameraRenamed, this, [this](const QString& oldId, const QString& newId) {
+        if (m_features->Camera() == oldId) {
+            m_features->ShowCamera(newId);
+        }
+    }, Qt::QueuedConnection);
     connect(&events, &LibraryEvents::deviceChanged, this,
             [this](const QString&, const QString& camera) { OnCameraState(camera); }, Qt::QueuedConnection);
     connect(m_devices, &DeviceTree::cameraActivated, this, &MainWindow::ShowInFocusedView);
@@ -144,7 +150,6 @@ void MainWindow::ShowInFocusedView(const QString& camera)
     if (ViewerBiz3::GetCameraInfo(camera.toStdString(), ViewerBiz3::CAM_OPENED) != "1") {
         view->Open();
     }
-    OnFocusedView(view);
 }
 
 void MainWindow::OnFocusedView(CameraView* view)
@@ -172,7 +177,7 @@ void MainWindow::OnCamerasListed(const QStringList& cameras)
     m_options.openCameras.clear();
     const int count = std::min(static_cast<int>(wanted.size()), static_cast<int>(ViewGrid::MaximumViews));
     if (count > m_grid->ViewCount()) {
-        ViewerBiz3::SetImgLayout(static_cast<ViewerBiz3::LAYOUT_TYPE>(count));
+        ViewerBiz3::SetImgLayout(static_cast<ViewerBiz3::LAYOUT_TYPE>(ViewGrid::LayoutFor(count)));
     }
     for (int i = count - 1; i >= 0; --i) {
         m_grid->Select(m_grid->View(i));
@@ -192,7 +197,8 @@ void MainWindow::ShowMessage(const QString& text)
 void MainWindow::SaveFocusedFrame()
 {
     CameraView* view = m_grid->FocusedView();
-    const QString file = QFileDialog::getSaveFileName(this, "Save shown frame", "frame.png", "PNG images (*.png)");
+    const QString file = QFileDialog::getSaveFileName(this, "Save shown frame", view->SuggestedFileName(),
+                                                      "PNG images (*.png)");
     if (!file.isEmpty() && !view->SaveShownFrame(file)) {
         ShowMessage(QString("Nothing shown to save in %1").arg(file));
     }

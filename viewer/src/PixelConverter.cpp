@@ -47,6 +47,17 @@ void ConvertSixteenBit(const RawPicture& picture, const QVector<QRgb>* lut, Disp
     }
 }
 
+// Where red and blue sit in a 2x2 cell (0 top left, 1 top right, 2 bottom left, 3 bottom right).
+struct BayerLayout {
+    std::uint64_t format;
+    int redIndex;
+    int blueIndex;
+};
+const BayerLayout BayerLayouts[] = {{PixelFormat::BayerRG8, 0, 3},
+                                    {PixelFormat::BayerGR8, 1, 2},
+                                    {PixelFormat::BayerGB8, 2, 1},
+                                    {PixelFormat::BayerBG8, 3, 0}};
+
 // Each 2x2 cell of the mosaic gives its red, its blue and the mean of its two
 // greens to all four of its pixels.
 void Demosaic(const RawPicture& picture, int redIndex, int blueIndex, DisplayFrame& frame)
@@ -106,6 +117,12 @@ bool Convert(const RawPicture& picture, DisplayFrame& frame)
     if (!Fits(picture, bytesPerPixel)) {
         return false;
     }
+    for (const BayerLayout& layout : BayerLayouts) {
+        if (picture.format == layout.format) {
+            Demosaic(picture, layout.redIndex, layout.blueIndex, frame);
+            return true;
+        }
+    }
     switch (picture.format) {
     case PixelFormat::Mono8:
         CopyLines(picture, 1, QImage::Format_Grayscale8, frame);
@@ -115,18 +132,6 @@ bool Convert(const RawPicture& picture, DisplayFrame& frame)
     case PixelFormat::Mono14:
     case PixelFormat::Mono16:
         ConvertSixteenBit(picture, nullptr, frame);
-        return true;
-    case PixelFormat::BayerRG8:
-        Demosaic(picture, 0, 3, frame);
-        return true;
-    case PixelFormat::BayerGR8:
-        Demosaic(picture, 1, 2, frame);
-        return true;
-    case PixelFormat::BayerGB8:
-        Demosaic(picture, 2, 1, frame);
-        return true;
-    case PixelFormat::BayerBG8:
-        Demosaic(picture, 3, 0, frame);
         return true;
     case PixelFormat::RGB8:
         CopyLines(picture, 3, QImage::Format_RGB888, frame);

@@ -14,13 +14,12 @@ int ColumnsFor(int views)
     return views >= 9 ? 3 : views >= 2 ? 2 : 1;
 }
 
-// The smallest layout with room for the views asked for.
-int SupportedLayout(int views)
+} // namespace
+
+int ViewGrid::LayoutFor(int views)
 {
     return views <= 1 ? 1 : views <= 2 ? 2 : views <= 4 ? 4 : 9;
 }
-
-} // namespace
 
 ViewGrid::ViewGrid(LibrarySession& session, QWidget* parent) : QWidget(parent), m_session(session)
 {
@@ -65,7 +64,7 @@ void ViewGrid::SetKnownCameras(const QStringList& cameras)
 
 void ViewGrid::ApplyLayout(int views)
 {
-    const int count = SupportedLayout(views);
+    const int count = LayoutFor(views);
     if (count == m_count) {
         return;
     }

@@ -19,6 +19,9 @@ public:
 
     ViewGrid(LibrarySession& session, QWidget* parent = nullptr);
 
+    // The smallest layout (1, 2, 4 or 9 views) with room for the views asked for.
+    static int LayoutFor(int views);
+
     int ViewCount() const { return m_count; }
     CameraView* View(int index) const { return m_views.value(index); }
     CameraView* FocusedView() const { return m_views.value(m_focused); }

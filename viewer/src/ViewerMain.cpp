@@ -5,7 +5,6 @@
 #include <cstdio>
 
 #include "DarkTheme.h"
-#include "DisplayFrame.h"
 #include "LibrarySession.h"
 #include "MainWindow.h"
 #include "ViewerOptions.h"
@@ -19,7 +18,6 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s\n", qPrintable(options.error));
         return 2;
     }
-    qRegisterMetaType<DisplayFrame>();
     DarkTheme::Apply(application);
 
     LibrarySession session(options.simulated);

@@ -8,6 +8,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <utility>
 
 #include "CameraView.h"
 #include "DarkTheme.h"
@@ -62,7 +63,6 @@ private slots:
 
 void ViewerScenario::aUserGrabsConfiguresAndSwitchesModes()
 {
-    qRegisterMetaType<DisplayFrame>();
     DarkTheme::Apply(*qApp);
     LibrarySession session(true);
     QVERIFY(session.Started());
@@ -80,6 +80,12 @@ void ViewerScenario::aUserGrabsConfiguresAndSwitchesModes()
     QTRY_VERIFY_WITH_TIMEOUT(FramesInStatus(areaView) > 0, Patience);
     const quint64 counted = FramesInStatus(areaView);
     QTRY_VERIFY_WITH_TIMEOUT(FramesInStatus(areaView) > counted, Patience);
+    areaView.Controls()->findChild<QToolButton*>("viewRoi")->setChecked(true);
+    const QPoint middle = areaView.Canvas()->rect().center();
+    QTest::mousePress(areaView.Canvas(), Qt::LeftButton, {}, middle - QPoint(60, 40));
+    QTest::mouseMove(areaView.Canvas(), middle + QPoint(60, 40));
+    QTest::mouseRelease(areaView.Canvas(), Qt::LeftButton, {}, middle + QPoint(60, 40));
+    QCOMPARE(session.Rois().Regions(area).size(), 1);
     Click(areaView, "viewStop");
 
     auto* width = qobject_cast<QSpinBox*>(window.Features()->EditorOf("Width"));
@@ -87,6 +93,19 @@ void ViewerScenario::aUserGrabsConfiguresAndSwitchesModes()
     width->setValue(320);
     QCOMPARE(NodeValue(area, "Width"), std::string("320"));
     QCOMPARE(window.Features()->LastMessage(), QString());
+
+    // Sixteen-bit frames keep their sensor values for the cursor; Bayer frames come out in colour.
+    const std::pair<const char*, bool (*)(const ImageCanvas&)> formats[] = {
+        {"Mono16", [](const ImageCanvas& canvas) { return !canvas.SensorValues().isNull(); }},
+        {"BayerRG8", [](const ImageCanvas& canvas) { return canvas.Picture().format() == QImage::Format_RGB888; }}};
+    for (const auto& [format, shownRight] : formats) {
+        auto* pixelFormat = qobject_cast<QComboBox*>(window.Features()->EditorOf("PixelFormat"));
+        emit pixelFormat->activated(pixelFormat->findText(format));
+        QCOMPARE(NodeValue(area, "PixelFormat"), std::string(format));
+        Click(areaView, "viewStart");
+        QTRY_VERIFY_WITH_TIMEOUT(shownRight(*areaView.Canvas()) && ShowsStructure(areaView.Canvas()->Picture()), Patience);
+        Click(areaView, "viewStop");
+    }
 
     window.findChild<QAction*>("layout2")->trigger();
     QTRY_COMPARE_WITH_TIMEOUT(window.Grid()->ViewCount(), 2, Patience);
