@@ -34,21 +34,24 @@ endforeach()
 target_include_directories(ViewerBiz3 INTERFACE
   $<BUILD_INTERFACE:${VB3_PUBLIC_INCLUDE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
+# Installed in two components, which become the runtime and the development
+# Debian packages (cmake/Debian.cmake).
 install(TARGETS ViewerBiz3 EXPORT ViewerBiz3Targets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES ${VB3_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ViewerBiz3)
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+install(FILES ${VB3_PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ViewerBiz3 COMPONENT development)
+include(${CMAKE_CURRENT_LIST_DIR}/GenApiHeaders.cmake)
 
 set(VB3_CMAKE_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ViewerBiz3)
-install(EXPORT ViewerBiz3Targets NAMESPACE ViewerBiz3:: DESTINATION ${VB3_CMAKE_PACKAGE_DIR})
+install(EXPORT ViewerBiz3Targets NAMESPACE ViewerBiz3:: DESTINATION ${VB3_CMAKE_PACKAGE_DIR} COMPONENT development)
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/ViewerBiz3Config.cmake.in
   ${PROJECT_BINARY_DIR}/ViewerBiz3Config.cmake INSTALL_DESTINATION ${VB3_CMAKE_PACKAGE_DIR})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/ViewerBiz3ConfigVersion.cmake
   VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/ViewerBiz3Config.cmake ${PROJECT_BINARY_DIR}/ViewerBiz3ConfigVersion.cmake
-  DESTINATION ${VB3_CMAKE_PACKAGE_DIR})
+  DESTINATION ${VB3_CMAKE_PACKAGE_DIR} COMPONENT development)
 
 # The pkg-config file finds the prefix from its own location, so the installed
 # tree can be moved (and installed with --prefix) without editing it.
 file(RELATIVE_PATH VB3_PC_PREFIX_FROM_PCDIR /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/viewerbiz3.pc.in ${PROJECT_BINARY_DIR}/viewerbiz3.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/viewerbiz3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/viewerbiz3.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

@@ -1,6 +1,7 @@
 # cmake -P script run by ctest: install, check the exported symbols, build and
 # run the host both ways. Any failure ends the script with an error.
-set(prefix ${VB3_WORK_DIR}/prefix)
+# With VB3_PREFIX the tree is there already (the Debian packages unpacked by
+# scripts/package) and nothing is installed.
 file(REMOVE_RECURSE ${VB3_WORK_DIR})
 file(MAKE_DIRECTORY ${VB3_WORK_DIR})
 
@@ -20,9 +21,14 @@ elseif(VB3_SANITIZE STREQUAL "thread")
   set(sanitizer_flags -fsanitize=thread)
 endif()
 
-run_checked("install" ${CMAKE_COMMAND} --install ${VB3_BUILD_DIR} --prefix ${prefix})
+if(DEFINED VB3_PREFIX)
+  set(prefix ${VB3_PREFIX})
+else()
+  set(prefix ${VB3_WORK_DIR}/prefix)
+  run_checked("install" ${CMAKE_COMMAND} --install ${VB3_BUILD_DIR} --prefix ${prefix})
+endif()
 
-foreach(header ViewerBiz3.h ViewerBiz3Types.h ViewerBiz3Listeners.h ZylImage.h)
+foreach(header ViewerBiz3.h ViewerBiz3Types.h ViewerBiz3Listeners.h ZylImage.h GenApi/GenApi.h GenApi/Pointer.h)
   if(NOT EXISTS ${prefix}/include/ViewerBiz3/${header})
     message(FATAL_ERROR "installed header missing: include/ViewerBiz3/${header}")
   endif()
@@ -66,7 +72,7 @@ run_checked("pkg-config" pkg-config --cflags --libs viewerbiz3)
 string(STRIP "${last_output}" pkg_flags)
 separate_arguments(pkg_flags UNIX_COMMAND "${pkg_flags}")
 run_checked("build pkg-config host" ${VB3_CXX} -std=c++17 ${sanitizer_flags} ${VB3_HOST_DIR}/InstallHost.cpp
-  ${pkg_flags} -o ${VB3_WORK_DIR}/pkg-config-host)
+  ${VB3_HOST_DIR}/NodeMapTour.cpp ${pkg_flags} -o ${VB3_WORK_DIR}/pkg-config-host)
 set(ENV{LD_LIBRARY_PATH} ${lib_dir})
 run_checked("run pkg-config host" ${VB3_WORK_DIR}/pkg-config-host)
 

@@ -1,8 +1,11 @@
-// A minimal host: only the installed public header, a listener of each kind a
+// A minimal host: only the installed public headers, a listener of each kind a
 // viewer needs first, and one round trip through the library.
 #include <ViewerBiz3/ViewerBiz3.h>
 
 #include <cstdio>
+#include <cstdlib>
+
+#include "NodeMapTour.h"
 
 namespace {
 
@@ -38,6 +41,7 @@ int Fail(const char* what)
 
 int main()
 {
+    setenv("VIEWERBIZ3_SIMULATED_CAMERAS", "area", 1);
     if (ViewerBiz3::Init() == 0) {
         return Fail("Init did not start the library");
     }
@@ -57,6 +61,10 @@ int main()
     }
     if (ViewerBiz3::GetAttrLayoutXML(ViewerBiz3::FOCUS_CAMERA, "no such camera") != nullptr) {
         return Fail("a description for an unknown camera");
+    }
+    const char* nodeMapFailure = TourAreaCameraNodeMap();
+    if (*nodeMapFailure != '\0') {
+        return Fail(nodeMapFailure);
     }
     ViewerBiz3::UnRegisterImageUpdateListener("", &frames);
     if (ViewerBiz3::UnInit() != 0) {
