@@ -187,8 +187,10 @@ unset multiplot
                    f"{fmt(seconds / 60, 1)} minutes, one through the library and one by a plain Aravis loop at the "
                    "same time in the same process (so both see the same load). Resident memory is the whole "
                    f"process's, compared after a warm-up of {fmt(median(runs, 'warm_up_s'), 0)} s and at the end; "
-                   "threads and open files are counted before the cameras were opened, when streaming started, "
-                   f"when it ended and after both were closed. {report.soak_when}", "")
+                   "threads and open files are counted after a first one-second cycle (which sets up what the process "
+                   "keeps for good, such as GLib's worker thread), when streaming started, when it ended and after "
+                   "both sides closed, each the lowest of ten readings 0.1 s apart (a discovery pass holds a socket "
+                   f"per loopback address for a moment). {report.soak_when}", "")
         report.problems(runs)
         report.table(["", "Value"], [
             ["Frames per second, library / raw", f"{fmt(median(runs, 'lib_fps'), 0)} / {fmt(median(runs, 'raw_fps'), 0)}"],
