@@ -52,9 +52,8 @@ struct ProcessSnapshot {
     }
 };
 
-// What the process looked like while both sides streamed.
+// What the process looked like while both sides streamed: once both had warmed up, and at the end.
 struct SoakWatch {
-    ProcessSnapshot start;
     ProcessSnapshot afterWarmUp;
     ProcessSnapshot end;
     double peakResidentBytes = 0;
@@ -63,7 +62,6 @@ struct SoakWatch {
     void Watch(double seconds, double warmUpSeconds)
     {
         const double begin = Bench::WallSeconds();
-        start = ProcessSnapshot::Take();
         Bench::SleepSeconds(warmUpSeconds);
         afterWarmUp = ProcessSnapshot::Take();
         peakResidentBytes = afterWarmUp.residentBytes;
@@ -133,11 +131,11 @@ void BM_GigeSoak(benchmark::State& state)
         SetCounter(state, "rss_peak_mib", watch.peakResidentBytes / kMiB);
         SetCounter(state, "rss_growth_kib", (watch.end.residentBytes - watch.afterWarmUp.residentBytes) / 1024);
         SetCounter(state, "threads_before", before.threads);
-        SetCounter(state, "threads_start", watch.start.threads);
+        SetCounter(state, "threads_start", watch.afterWarmUp.threads);
         SetCounter(state, "threads_end", watch.end.threads);
         SetCounter(state, "threads_after", after.threads);
         SetCounter(state, "files_before", before.files);
-        SetCounter(state, "files_start", watch.start.files);
+        SetCounter(state, "files_start", watch.afterWarmUp.files);
         SetCounter(state, "files_end", watch.end.files);
         SetCounter(state, "files_after", after.files);
     }

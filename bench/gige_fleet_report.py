@@ -11,6 +11,9 @@ CAMERA_COUNTS = (1, 4, 8)
 RATE_ASKED = 1000
 PICTURE = "camera-count.png"
 PROGRAM = "vb3_bench_gige"
+LOSS_NOTE = ("The raw loop counts lost frames exactly, from the ids of the frames it pops. The library hands the "
+             "host one frame per 30 ms, so its losses are the frames sent (from the ids of the delivered frames) "
+             "less those its statistics counted, true to the frames of about 30 ms at either end of the window.")
 SOAK_PROGRAM = "vb3_bench_soak"
 
 
@@ -77,7 +80,8 @@ class FleetSections:
                    "each) and then together through the library (one `OpenCamera`/`StartGrab` each), alternating "
                    "which side goes first. Frames per second are summed over the cameras; CPU per frame is the "
                    "receiving process's CPU over the common window divided by the frames it received; "
-                   "\"cores\" is that CPU time per second of window. The fake cameras' own CPU is not in it.", "")
+                   "\"cores\" is that CPU time per second of window. The fake cameras' own CPU is not in it. "
+                   + LOSS_NOTE, "")
         rows = []
         for count, runs in counts.items():
             report.problems(runs)
@@ -183,20 +187,22 @@ unset multiplot
             report.add("The soak has not been run (`bench/run-benchmarks --soak-minutes 30`).", "")
             return
         seconds = median(runs, "seconds")
-        report.add(f"**Table 11.** Two fake GigE cameras at 64 × 64 Mono8 and {RATE_ASKED} frames/s for "
+        report.add(f"**Table 11.** Two fake GigE cameras at 64 × 64 Mono8, asked for {RATE_ASKED} frames/s (their "
+                   "highest), for "
                    f"{fmt(seconds / 60, 1)} minutes, one through the library and one by a plain Aravis loop at the "
                    "same time in the same process (so both see the same load). Resident memory is the whole "
                    f"process's, compared after a warm-up of {fmt(median(runs, 'warm_up_s'), 0)} s and at the end; "
                    "threads and open files are counted after a first one-second cycle (which sets up what the process "
-                   "keeps for good, such as GLib's worker thread), when streaming started, when it ended and after "
-                   "both sides closed, each the lowest of ten readings 0.1 s apart (a discovery pass holds a socket "
-                   f"per loopback address for a moment). {report.soak_when}", "")
+                   "keeps for good, such as GLib's worker thread), after the warm-up, at the end and after both "
+                   "sides closed, each the lowest of ten readings 0.1 s apart (a discovery pass holds a socket "
+                   f"per loopback address for a moment). {LOSS_NOTE} {report.soak_when}", "")
         report.problems(runs)
         report.table(["", "Value"], [
             ["Frames per second, library / raw", f"{fmt(median(runs, 'lib_fps'), 0)} / {fmt(median(runs, 'raw_fps'), 0)}"],
             ["Frames received by the library", fmt(median(runs, "lib_frames"), 0)],
             ["Frames lost, library / raw", f"{fmt(median(runs, 'lib_lost'), 0)} / {fmt(median(runs, 'raw_lost'), 0)}"],
-            ["Frames the library lost beyond the raw loop's", fmt(median(runs, "lost_beyond_raw"), 0)],
+            ["Frames the library lost that the raw loop kept (its loss rate taken off)",
+             fmt(median(runs, "lost_beyond_raw"), 0)],
             ["Resident after the warm-up / at the end / peak (MiB)",
              f"{fmt(median(runs, 'rss_after_warm_up_mib'), 2)} / {fmt(median(runs, 'rss_end_mib'), 2)} / "
              f"{fmt(median(runs, 'rss_peak_mib'), 2)}"],
