@@ -64,6 +64,11 @@ bool FakeGigeFleet::Start(std::string& why)
             why = std::string(FakeGigeCamera::kProgram) + " did not start on " + address;
             return false;
         }
+        // The library tells GigE cameras apart by their MAC addresses, as a host must with real ones.
+        if (!m_cameras[i]->SetMacAddressLow(0x02000000u | static_cast<uint32_t>(host))) {
+            why = "could not give the fake camera on " + address + " a MAC address of its own";
+            return false;
+        }
     }
     return true;
 }

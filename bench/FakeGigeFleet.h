@@ -1,6 +1,7 @@
 // Several simulated GigE Vision cameras at once: each an arv-fake-gv-camera-0.8 process on a
 // loopback address of its own (127.0.0.2, 127.0.0.3, ...), which it adds to loopback in the
-// program's private network namespace (the addresses vanish with the namespace).
+// program's private network namespace (the addresses vanish with the namespace), each with a MAC
+// address of its own (00:00:02:00:00:<last byte of its address>) as real cameras have.
 #pragma once
 
 #include <memory>

@@ -2,6 +2,7 @@
 
 #include <arv.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "LibrarySession.h"
@@ -40,6 +41,17 @@ double FleetWindow::Sum(double (StreamWindow::*figure)() const) const
     return sum;
 }
 
+double FleetWindow::ReceivedShare() const
+{
+    double received = 0;
+    double sent = 0;
+    for (const auto& camera : cameras) {
+        received += static_cast<double>(camera.framesReceived);
+        sent += camera.framesProduced;
+    }
+    return sent > 0 ? std::min(1.0, received / sent) : 0;
+}
+
 double FleetWindow::CpuMicrosecondsPerFrame() const
 {
     double framesPerSecond = FramesPerSecond();
@@ -47,7 +59,7 @@ double FleetWindow::CpuMicrosecondsPerFrame() const
 }
 
 FleetWindow StreamWithPlainAravis(const std::vector<std::string>& addresses, const FrameSettings& settings,
-                                  double seconds, const WindowWait& wait)
+                                  double seconds)
 {
     FleetWindow fleet;
     fleet.cameras.resize(addresses.size());
@@ -72,7 +84,7 @@ FleetWindow StreamWithPlainAravis(const std::vector<std::string>& addresses, con
         std::vector<std::thread> threads;
         for (std::size_t i = 0; i < streams.size(); ++i)
             threads.emplace_back([&, i] { fleet.cameras[i] = streams[i]->Run(streamSeconds); });
-        MeasureWindow(fleet, 2 * kRawWarmUpSeconds, seconds, wait);
+        MeasureWindow(fleet, 2 * kRawWarmUpSeconds, seconds, {});
         for (auto& thread : threads)
             thread.join();
     }
@@ -93,19 +105,26 @@ LibraryFleet::~LibraryFleet()
         ViewerBiz3::CloseCamera(id);
 }
 
-bool LibraryFleet::Open(const FrameSettings& settings)
+bool LibraryFleet::Open(const FrameSettings& settings, std::string& why)
 {
     for (const auto& id : m_ids) {
-        if (ViewerBiz3::OpenCamera(id) != 0)
+        int opened = ViewerBiz3::OpenCamera(id);
+        if (opened != 0) {
+            why = "OpenCamera(" + id + ") returned " + std::to_string(opened);
             return false;
+        }
         m_opened.push_back(id);
-        if (ViewerBiz3::SetCameraNodeValue(id, "Width", std::to_string(settings.width)) != 0
-            || ViewerBiz3::SetCameraNodeValue(id, "Height", std::to_string(settings.height)) != 0
-            || ViewerBiz3::SetCameraNodeValue(id, "AcquisitionFrameRate", std::to_string(settings.frameRate)) != 0)
-            return false;
-        if (settings.packetSize > 0
-            && ViewerBiz3::SetCameraNodeValue(id, "GevSCPSPacketSize", std::to_string(settings.packetSize)) != 0)
-            return false;
+        std::vector<std::pair<const char*, int>> nodes {
+            {"Width", settings.width}, {"Height", settings.height}, {"AcquisitionFrameRate", settings.frameRate}};
+        if (settings.packetSize > 0)
+            nodes.emplace_back("GevSCPSPacketSize", settings.packetSize);
+        for (const auto& [node, value] : nodes) {
+            int set = ViewerBiz3::SetCameraNodeValue(id, node, std::to_string(value));
+            if (set != 0) {
+                why = std::string("setting ") + node + " of " + id + " returned " + std::to_string(set);
+                return false;
+            }
+        }
         m_sinks.push_back(std::make_unique<FrameSink>(id, m_framesPerSink));
     }
     return true;

@@ -28,6 +28,8 @@ struct FleetWindow {
     double FramesPerSecond() const { return Sum(&StreamWindow::FramesPerSecond); }
     double CameraFramesPerSecond() const { return Sum(&StreamWindow::CameraFramesPerSecond); }
     double FramesLost() const { return Sum(&StreamWindow::FramesLost); }
+    // Share of the frames the cameras sent that arrived, over all of them.
+    double ReceivedShare() const;
     double CpuMicrosecondsPerFrame() const;
 
 private:
@@ -39,7 +41,7 @@ using WindowWait = std::function<void(double seconds)>;
 
 // Opens each camera by its address with plain Aravis and runs a RawAravisStream per camera.
 FleetWindow StreamWithPlainAravis(const std::vector<std::string>& addresses, const FrameSettings& settings,
-                                  double seconds, const WindowWait& wait = {});
+                                  double seconds);
 
 // Cameras the library listed, opened and set up together, each with a sink of its own.
 class LibraryFleet {
@@ -50,8 +52,8 @@ public:
     LibraryFleet(const LibraryFleet&) = delete;
     LibraryFleet& operator=(const LibraryFleet&) = delete;
 
-    // False when a camera could not be opened or set up.
-    bool Open(const FrameSettings& settings);
+    // False, with what failed, when a camera could not be opened or set up.
+    bool Open(const FrameSettings& settings, std::string& why);
     FleetWindow Stream(double seconds, const WindowWait& wait = {});
     const FrameSink& Sink(std::size_t index) const { return *m_sinks[index]; }
 

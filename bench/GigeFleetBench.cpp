@@ -57,8 +57,7 @@ public:
         auto streamLibrary = [&] {
             Bench::SdkBufferWatch::Clear();
             Bench::LibraryFleet library(m_ids);
-            if (!library.Open(settings)) {
-                why = "the library could not open and set up every camera";
+            if (!library.Open(settings, why)) {
                 ok = false;
                 return;
             }
@@ -88,6 +87,9 @@ void SetSideCounters(benchmark::State& state, const Sides& sides)
     SetCounter(state, "fps_ratio", Ratio(library.FramesPerSecond(), raw.FramesPerSecond()));
     SetCounter(state, "raw_camera_fps", raw.CameraFramesPerSecond());
     SetCounter(state, "lib_camera_fps", library.CameraFramesPerSecond());
+    SetCounter(state, "raw_received_share", raw.ReceivedShare());
+    SetCounter(state, "lib_received_share", library.ReceivedShare());
+    SetCounter(state, "received_share_ratio", Ratio(library.ReceivedShare(), raw.ReceivedShare()));
     SetCounter(state, "raw_lost_per_s", Ratio(raw.FramesLost(), raw.wallSeconds));
     SetCounter(state, "lib_lost_per_s", Ratio(library.FramesLost(), library.wallSeconds));
     SetCounter(state, "raw_cpu_us_per_frame", raw.CpuMicrosecondsPerFrame());

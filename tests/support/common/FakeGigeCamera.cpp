@@ -106,28 +106,46 @@ void FakeGigeCamera::Thaw()
         kill(m_pid, SIGCONT);
 }
 
-// One GVCP discovery command sent straight to the camera's address.
-bool FakeGigeCamera::AnswersDiscovery(int timeoutMs) const
+// One GVCP command sent straight to the camera's address; its acknowledge, or nothing.
+std::vector<uint8_t> FakeGigeCamera::Exchange(const std::vector<uint8_t>& command, int timeoutMs) const
 {
+    std::vector<uint8_t> reply;
     int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (fd < 0)
-        return false;
+        return reply;
     sockaddr_in camera {};
     camera.sin_family = AF_INET;
     camera.sin_port = htons(kGvcpPort);
     inet_pton(AF_INET, m_address.c_str(), &camera.sin_addr);
-    const uint8_t discovery[] = { 0x42, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01 };
-    bool answered = false;
-    if (sendto(fd, discovery, sizeof discovery, 0, reinterpret_cast<sockaddr*>(&camera), sizeof camera) > 0) {
+    if (sendto(fd, command.data(), command.size(), 0, reinterpret_cast<sockaddr*>(&camera), sizeof camera) > 0) {
         pollfd waiting { fd, POLLIN, 0 };
         if (poll(&waiting, 1, timeoutMs) > 0) {
-            uint8_t reply[512];
-            ssize_t size = recv(fd, reply, sizeof reply, 0);
-            answered = size >= 8 && reply[2] == 0x00 && reply[3] == 0x03;
+            reply.resize(512);
+            ssize_t size = recv(fd, reply.data(), reply.size(), 0);
+            reply.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
         }
     }
+    close(fd);
+    return reply;
+}
+
+bool FakeGigeCamera::AnswersDiscovery(int timeoutMs) const
+{
+    auto reply = Exchange({ 0x42, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01 }, timeoutMs);
+    // A DISCOVERY_ACK (0x0003).
+    bool answered = reply.size() >= 8 && reply[2] == 0x00 && reply[3] == 0x03;
     if (!answered)
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    close(fd);
     return answered;
+}
+
+bool FakeGigeCamera::SetMacAddressLow(uint32_t low)
+{
+    constexpr uint8_t kMacLowRegister = 0x0C;
+    // WRITEREG (0x0082) of one register, acknowledge asked for.
+    auto reply = Exchange({ 0x42, 0x01, 0x00, 0x82, 0x00, 0x08, 0x00, 0x01, 0x00, 0x00, 0x00, kMacLowRegister,
+                            uint8_t(low >> 24), uint8_t(low >> 16), uint8_t(low >> 8), uint8_t(low) },
+                          1000);
+    // Status 0 and a WRITEREG_ACK (0x0083).
+    return reply.size() >= 8 && reply[0] == 0 && reply[1] == 0 && reply[3] == 0x83;
 }

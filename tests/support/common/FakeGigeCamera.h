@@ -6,7 +6,9 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 class FakeGigeCamera {
 public:
@@ -32,8 +34,12 @@ public:
     bool IsRunning() const { return m_pid > 0; }
     const std::string& SerialNumber() const { return m_serialNumber; }
     const std::string& Address() const { return m_address; }
+    // Every fake camera reports the MAC address 00:00:00:00:00:00. It keeps its bootstrap registers
+    // in plain memory, so writing the register of the address's low four bytes gives it another.
+    bool SetMacAddressLow(uint32_t low);
 
 private:
+    std::vector<uint8_t> Exchange(const std::vector<uint8_t>& command, int timeoutMs) const;
     bool AnswersDiscovery(int timeoutMs) const;
 
     std::string m_serialNumber;
