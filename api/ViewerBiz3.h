@@ -19,10 +19,12 @@
 //   thread. Listener objects stay owned by the host and must outlive their
 //   registration.
 // - Every frame delivered to IImageUpdate::OnImageUpdate (a ZYLGENICAM::IImage*,
-//   or null) must be released exactly once with IImage::Release(); until then
-//   its buffer is out of the acquisition stream.
-// - Register image and statistics listeners before StartGrab and unregister
-//   them after StopGrab: those two lists are walked without a lock.
+//   or null) must be released exactly once with IImage::Release() by every
+//   listener that received it; the buffer goes back to the acquisition stream
+//   after the last of them released it (at once when no listener is registered).
+// - Listeners may be registered and unregistered at any time, also while
+//   cameras grab; once an unregister call returned, that listener is not called
+//   again. A listener must not register or unregister on the list calling it.
 // - A logger listener must not log through VLog... with notify set (it would
 //   wait forever on the logger list it is being called from).
 // - Settings live in "<application directory>/Configuration.ini" (read by Init,

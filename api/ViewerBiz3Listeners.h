@@ -1,6 +1,8 @@
 // The fifteen listener interfaces a host implements. Each has exactly one
 // callback, first in its virtual table; the destructor comes after it.
 // Listener objects belong to the host; the library only keeps pointers.
+// A listener may be registered or unregistered at any time; after its
+// unregister call returned it is not called again.
 #pragma once
 
 #include <string>
@@ -37,7 +39,10 @@ public:
 
 class IImageUpdate {
 public:
-    // image is a ZYLGENICAM::IImage* the host must Release(), or null after a stop.
+    // image is a ZYLGENICAM::IImage*, or null after a stop. Every image listener
+    // gets the same frame and must Release() it once; the frame stays valid until
+    // the last of them did, then its buffer goes back to the camera. With no image
+    // listener a frame goes back at once.
     // extra1/extra2: image mode and scaler for profile cameras, else 0.
     virtual void OnImageUpdate(std::string cameraKey, void* image, int extra1, int extra2) = 0;
     virtual ~IImageUpdate() = default;

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "AlternatingSides.h"
 #include "BenchConfig.h"
 #include "BenchCounters.h"
 #include "FrameSink.h"
@@ -91,9 +92,7 @@ void BM_AravisFramePath(benchmark::State& state)
     }
     const double seconds = Bench::Seconds(3.0, 0.7);
     Bench::FrameSink sink(kCameraId);
-    // Repetitions alternate which side goes first, so a drift in the machine's load evens out.
-    static int repetition = 0;
-    bool libraryFirst = repetition++ % 2 == 1;
+    static Bench::AlternatingSides order;
     for (auto _ : state) {
         Bench::StreamWindow raw;
         Bench::StreamWindow library;
@@ -102,13 +101,7 @@ void BM_AravisFramePath(benchmark::State& state)
             raw = stream.Run(seconds);
         };
         auto streamLibrary = [&] { library = Bench::LibrarySession::Instance().Stream(kCameraId, sink, seconds); };
-        if (libraryFirst) {
-            streamLibrary();
-            streamRaw();
-        } else {
-            streamRaw();
-            streamLibrary();
-        }
+        order.Run(streamLibrary, streamRaw);
         SetCounter(state, "raw_fps", raw.FramesPerSecond());
         SetCounter(state, "lib_fps", library.FramesPerSecond());
         SetCounter(state, "fps_ratio", Ratio(library.FramesPerSecond(), raw.FramesPerSecond()));
@@ -142,7 +135,7 @@ void BM_AravisImageLatency(benchmark::State& state)
         state.SkipWithError("the simulated area camera is not available");
         return;
     }
-    const double seconds = Bench::Seconds(5.0, 0.1);
+    const double seconds = Bench::Seconds(10.0, 0.1);
     Bench::FrameSink sink(kCameraId);
     for (auto _ : state) {
         Bench::LatencySamples raw;
@@ -160,6 +153,13 @@ void BM_AravisImageLatency(benchmark::State& state)
         SetCounter(state, "lib_p99_us", library.Quantile(0.99) / 1e3);
         SetCounter(state, "raw_samples", static_cast<double>(raw.Count()));
         SetCounter(state, "lib_samples", static_cast<double>(library.Count()));
+        // Every age, for the report's distribution picture.
+        std::string directory = Bench::SamplesDirectory();
+        if (!directory.empty()) {
+            std::string prefix = directory + "/latency_" + std::to_string(state.range(0));
+            raw.WriteTo(prefix + "_raw.txt");
+            library.WriteTo(prefix + "_library.txt");
+        }
     }
 }
 BENCHMARK(BM_AravisImageLatency)->Arg(25)->Arg(1000)->ArgName("fps")->Iterations(1)->Unit(benchmark::kMillisecond)

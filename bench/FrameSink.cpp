@@ -10,13 +10,16 @@ namespace Bench {
 
 FrameSink::FrameSink(std::string cameraId, std::size_t capacity) : m_cameraId(std::move(cameraId))
 {
-    m_frames.reserve(capacity);
-    m_statistics.reserve(capacity);
+    m_frames.resize(capacity);
+    m_frames.clear();
+    m_statistics.resize(capacity);
+    m_statistics.clear();
 }
 
-void FrameSink::OnImageUpdate(std::string, void* image, int, int)
+// Image listeners hear every camera; each frame is released by the sink of its own camera.
+void FrameSink::OnImageUpdate(std::string cameraKey, void* image, int, int)
 {
-    if (image == nullptr)
+    if (image == nullptr || cameraKey != m_cameraId)
         return;
     DeliveredFrame frame;
     frame.wallSeconds = WallSeconds();
@@ -24,6 +27,7 @@ void FrameSink::OnImageUpdate(std::string, void* image, int, int)
     auto* sdkImage = static_cast<ZYLGENICAM::IImage*>(image);
     frame.frameId = sdkImage->GetFrameId();
     frame.timestampNs = sdkImage->GetTimestamp();
+    frame.data = sdkImage->GetData();
     sdkImage->Release();
     m_delivered.fetch_add(1);
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -31,9 +35,9 @@ void FrameSink::OnImageUpdate(std::string, void* image, int, int)
         m_frames.push_back(frame);
 }
 
-void FrameSink::OnAcqStatisticUpdate(std::string, bool fromSetInfo)
+void FrameSink::OnAcqStatisticUpdate(std::string cameraKey, bool fromSetInfo)
 {
-    if (fromSetInfo)
+    if (fromSetInfo || cameraKey != m_cameraId)
         return;
     StatisticsPublication publication;
     publication.wallSeconds = WallSeconds();

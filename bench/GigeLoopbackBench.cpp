@@ -26,7 +26,6 @@ using Bench::Ratio;
 
 namespace {
 
-constexpr unsigned long long kGigeMask = ZYLGENICAM::TL_GIGE;
 constexpr const char* kSerial = "GV01";
 constexpr int kSmallSide = 64;
 // The fake GigE camera's highest AcquisitionFrameRate.
@@ -84,26 +83,6 @@ ToolFigures ParseCameraTest(const std::string& output)
     return figures;
 }
 
-std::string SerialOf(const std::string& cameraId)
-{
-    auto open = cameraId.rfind('(');
-    return open == std::string::npos ? "" : cameraId.substr(open + 1, cameraId.size() - open - 2);
-}
-
-// Lists the fake camera through the library; its identifier, or "".
-std::string DiscoverThroughLibrary()
-{
-    std::string found;
-    auto listed = [&](const std::vector<std::string>& cameras) {
-        for (const auto& id : cameras)
-            if (SerialOf(id) == kSerial)
-                found = id;
-        return !found.empty();
-    };
-    Bench::LibrarySession::Instance().Discover(kGigeMask, listed);
-    return found;
-}
-
 Bench::StreamWindow StreamWithPlainAravis(double seconds)
 {
     Bench::StreamWindow window;
@@ -154,12 +133,12 @@ void BM_GigeLoopback(benchmark::State& state)
                       kSmallSide, kSmallSide, kHighestFrameRate);
         ToolFigures tool = ParseCameraTest(RunAndCapture(command));
         Bench::StreamWindow raw = StreamWithPlainAravis(seconds);
-        std::string id = DiscoverThroughLibrary();
-        if (id.empty()) {
+        auto ids = Bench::LibrarySession::Instance().DiscoverGigeBySerial({kSerial});
+        if (ids.empty()) {
             state.SkipWithError("the library did not list the fake GigE camera");
             return;
         }
-        Bench::StreamWindow library = StreamThroughLibrary(id, seconds);
+        Bench::StreamWindow library = StreamThroughLibrary(ids.front(), seconds);
         SetCounter(state, "tool_fps", tool.framesPerSecond);
         SetCounter(state, "tool_lost", tool.lost);
         SetCounter(state, "tool_completed", tool.completed);

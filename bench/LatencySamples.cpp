@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 
 namespace Bench {
 
@@ -41,6 +42,15 @@ int64_t LatencySamples::Quantile(double p) const
     std::sort(sorted.begin(), sorted.end());
     auto rank = static_cast<std::size_t>(std::ceil(std::clamp(p, 0.0, 1.0) * static_cast<double>(sorted.size())));
     return sorted[rank == 0 ? 0 : rank - 1];
+}
+
+bool LatencySamples::WriteTo(const std::string& path) const
+{
+    std::ofstream out(path);
+    std::lock_guard<std::mutex> lock(m_mutex);
+    for (int64_t sample : m_samples)
+        out << sample << '\n';
+    return static_cast<bool>(out);
 }
 
 } // namespace Bench

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
+#include <string>
 #include <vector>
 
 namespace Bench {
@@ -18,6 +19,8 @@ public:
     std::size_t Count() const;
     // The p-quantile (0 <= p <= 1) in nanoseconds by nearest rank; 0 without samples.
     int64_t Quantile(double p) const;
+    // Writes every sample, in nanoseconds, one a line; false when the file could not be written.
+    bool WriteTo(const std::string& path) const;
 
 private:
     mutable std::mutex m_mutex;

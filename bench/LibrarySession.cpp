@@ -13,26 +13,31 @@ namespace Bench {
 namespace {
 
 constexpr unsigned long long kGigEBit = 1;
-// Statistics published before this are left out: the acquisition is still starting.
-constexpr double kWarmUpSeconds = 0.4;
 
 // Camera frame rate from the ids of the frames that reached the host between two instants.
 double CameraFramesBetween(const std::vector<DeliveredFrame>& frames, double from, double to)
 {
     const DeliveredFrame* first = nullptr;
     const DeliveredFrame* last = nullptr;
+    double ids = 0;
     for (const auto& frame : frames) {
         if (frame.wallSeconds < from || frame.wallSeconds > to)
             continue;
         if (first == nullptr)
             first = &frame;
+        else
+            ids += static_cast<double>(FrameIdStep(last->frameId, frame.frameId));
         last = &frame;
     }
     if (first == nullptr || last == first || last->wallSeconds <= first->wallSeconds)
         return 0;
-    double idsPerSecond =
-        static_cast<double>(last->frameId - first->frameId) / (last->wallSeconds - first->wallSeconds);
-    return idsPerSecond * (to - from);
+    return ids / (last->wallSeconds - first->wallSeconds) * (to - from);
+}
+
+std::string SerialOf(const std::string& cameraId)
+{
+    auto open = cameraId.rfind('(');
+    return open == std::string::npos ? "" : cameraId.substr(open + 1, cameraId.size() - open - 2);
 }
 
 } // namespace
@@ -93,27 +98,56 @@ LibrarySession::PassTime LibrarySession::TimedPass()
     return time;
 }
 
+std::vector<std::string> LibrarySession::DiscoverGigeBySerial(const std::vector<std::string>& serials)
+{
+    std::vector<std::string> ids(serials.size());
+    auto listed = [&](const std::vector<std::string>& cameras) {
+        for (const auto& id : cameras) {
+            auto found = std::find(serials.begin(), serials.end(), SerialOf(id));
+            if (found != serials.end())
+                ids[static_cast<std::size_t>(found - serials.begin())] = id;
+        }
+        return std::none_of(ids.begin(), ids.end(), [](const std::string& id) { return id.empty(); });
+    };
+    if (!Discover(kGigEBit, listed))
+        return {};
+    return ids;
+}
+
 StreamWindow LibrarySession::Stream(const std::string& cameraId, FrameSink& sink, double seconds)
 {
-    StreamWindow window;
+    double warmUpEnd = WallSeconds() + kWarmUpSeconds;
+    if (BeginStream(cameraId, sink))
+        SleepSeconds(kWarmUpSeconds + seconds);
+    EndStream(cameraId, sink);
+    return WindowOf(sink, warmUpEnd);
+}
+
+bool LibrarySession::BeginStream(const std::string& cameraId, FrameSink& sink)
+{
     sink.Clear();
     sink.SetReadFrameCount(true);
     ViewerBiz3::RegisterImageUpdateListener(cameraId, &sink);
     ViewerBiz3::RegisterAcqStatisticUpdateListener(&sink);
-    double start = WallSeconds();
-    if (ViewerBiz3::StartGrab(cameraId) == 0) {
-        SleepSeconds(kWarmUpSeconds + seconds);
-        ViewerBiz3::StopGrab(cameraId);
-    }
+    return ViewerBiz3::StartGrab(cameraId) == 0;
+}
+
+void LibrarySession::EndStream(const std::string& cameraId, FrameSink& sink)
+{
+    ViewerBiz3::StopGrab(cameraId);
     ViewerBiz3::UnRegisterAcqStatisticUpdateListener(&sink);
     ViewerBiz3::UnRegisterImageUpdateListener(cameraId, &sink);
     sink.SetReadFrameCount(false);
+}
 
+StreamWindow LibrarySession::WindowOf(const FrameSink& sink, double warmUpEnd)
+{
+    StreamWindow window;
     const StatisticsPublication* first = nullptr;
     const StatisticsPublication* last = nullptr;
     auto publications = sink.StatisticsPublications();
     for (const auto& publication : publications) {
-        if (publication.wallSeconds < start + kWarmUpSeconds)
+        if (publication.wallSeconds < warmUpEnd)
             continue;
         if (first == nullptr)
             first = &publication;

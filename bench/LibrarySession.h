@@ -31,10 +31,20 @@ public:
     PassTime TimedPass();
     DeviceListWatcher& DeviceList() { return m_deviceList; }
 
+    // Discovers the GigE Vision cameras with these serial numbers; their identifiers in the same
+    // order, or nothing when one of them was not listed.
+    std::vector<std::string> DiscoverGigeBySerial(const std::vector<std::string>& serials);
+
     // Streams an opened camera through StartGrab for `seconds` (after a short warm-up) with the
     // sink as its image and statistics listener; received frames are counted by the library's
     // own statistics, so frames the 30 ms display pacing drops still count.
     StreamWindow Stream(const std::string& cameraId, FrameSink& sink, double seconds);
+    // The same in steps, for several cameras at once: BeginStream, wait, EndStream, then the
+    // window between the first statistics publication after `warmUpEnd` and the last one.
+    static bool BeginStream(const std::string& cameraId, FrameSink& sink);
+    static void EndStream(const std::string& cameraId, FrameSink& sink);
+    static StreamWindow WindowOf(const FrameSink& sink, double warmUpEnd);
+    static constexpr double kWarmUpSeconds = 0.4;
 
     LibrarySession(const LibrarySession&) = delete;
     LibrarySession& operator=(const LibrarySession&) = delete;

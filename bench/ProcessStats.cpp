@@ -1,6 +1,7 @@
 #include "ProcessStats.h"
 
 #include <cstdio>
+#include <dirent.h>
 #include <ctime>
 #include <unistd.h>
 
@@ -46,6 +47,19 @@ uint64_t ResidentBytes()
     if (read != 2)
         return 0;
     return residentPages * static_cast<uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
+std::size_t OpenFileCount()
+{
+    DIR* directory = opendir("/proc/self/fd");
+    if (directory == nullptr)
+        return 0;
+    std::size_t count = 0;
+    while (const dirent* entry = readdir(directory))
+        count += entry->d_name[0] != '.' ? 1 : 0;
+    closedir(directory);
+    // The directory stream's own descriptor is not the process's.
+    return count > 0 ? count - 1 : 0;
 }
 
 } // namespace Bench

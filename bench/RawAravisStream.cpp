@@ -56,8 +56,7 @@ StreamWindow RawAravisStream::Run(double seconds, LatencySamples* ages)
             guint64 id = arv_buffer_get_frame_id(buffer);
             if (inWindow) {
                 ++window.framesReceived;
-                // GigE Vision block ids wrap at 16 bits; a wrap counts as one step.
-                window.framesProduced += static_cast<double>(id > previousId ? id - previousId : 1);
+                window.framesProduced += static_cast<double>(FrameIdStep(previousId, id));
                 lastFrameAt = WallSeconds();
                 if (ages != nullptr)
                     ages->Add(poppedAt - static_cast<int64_t>(arv_buffer_get_timestamp(buffer)));

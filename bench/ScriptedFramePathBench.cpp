@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "AllocationCounter.h"
+#include "AlternatingSides.h"
 #include "BenchConfig.h"
 #include "BenchCounters.h"
 #include "FrameSink.h"
@@ -141,9 +142,7 @@ void BM_ScriptedFramePath(benchmark::State& state)
     if (id.empty())
         return;
     Bench::FrameSink sink(id);
-    // Repetitions alternate which side goes first, so a drift in the machine's load evens out.
-    static int repetition = 0;
-    bool libraryFirst = repetition++ % 2 == 1;
+    static Bench::AlternatingSides order;
     for (auto _ : state) {
         RawWindow raw;
         Window library;
@@ -151,13 +150,7 @@ void BM_ScriptedFramePath(benchmark::State& state)
         auto streamLibrary = [&] {
             library = StreamThroughLibrary(id, libraryDevice, sink, kWarmUpSeconds, [&] { Bench::SleepSeconds(seconds); });
         };
-        if (libraryFirst) {
-            streamLibrary();
-            drainRaw();
-        } else {
-            drainRaw();
-            streamLibrary();
-        }
+        order.Run(streamLibrary, drainRaw);
         double libraryAllocations = library.Frames() > 0 ? library.Allocations().calls / library.Frames() : 0;
         double libraryBytes = library.Frames() > 0 ? library.Allocations().bytes / library.Frames() : 0;
         SetCounter(state, "raw_fps", raw.stream.FramesPerSecond());

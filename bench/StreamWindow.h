@@ -8,6 +8,14 @@
 
 namespace Bench {
 
+// Frames the camera sent from one frame id to the next one seen. GigE Vision block ids count to
+// 65535 and go on at 1, so a smaller id means the count wrapped.
+inline uint64_t FrameIdStep(uint64_t previous, uint64_t id)
+{
+    constexpr uint64_t kBlockIdWrap = 65535;
+    return id >= previous ? id - previous : id + kBlockIdWrap - previous;
+}
+
 struct StreamWindow {
     uint64_t framesReceived = 0;
     double framesProduced = 0;  // what the camera sent meanwhile, from its frame ids

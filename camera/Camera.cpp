@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "camera/CameraHost.h"
+#include "camera/SharedFramePool.h"
 #include "device/Card.h"
 #include "genapi/GenApi.h"
 #include "log/Log.h"
@@ -14,6 +15,9 @@ std::mutex onlineMutex;
 
 namespace {
 constexpr auto pollInterval = std::chrono::milliseconds(5);
+// A lost camera must be stopped, dropped and announced within about a second: the watchdog looks
+// four times a second, and a look costs the device nothing while frames keep coming.
+constexpr auto watchdogPeriod = std::chrono::milliseconds(250);
 constexpr int notifyHost = 1;
 constexpr uint16_t cameraLinkKind = 4;
 const char* const virtualCameraPrefix = "Virtual camera-";
@@ -40,7 +44,7 @@ GenApi_3_4::INodeMap* NodeMapOfModule(ZYLGENICAM::IModule* module)
 }
 } // namespace
 
-Camera::Camera(ZYLGENICAM::ICamera* camera) : m_camera(camera)
+Camera::Camera(ZYLGENICAM::ICamera* camera) : m_framePool(std::make_shared<SharedFramePool>()), m_camera(camera)
 {
     m_nodeAccessRefused.store(false);
     ParametersReset();
@@ -715,7 +719,7 @@ bool Camera::IsWatchdogRunning() const
 void Camera::SleepUnlessWatchdogStopped()
 {
     std::unique_lock<std::mutex> lock(m_watchdogWaitMutex);
-    m_watchdogCondition.wait_for(lock, std::chrono::seconds(1), [this] { return m_watchdogStop.load(); });
+    m_watchdogCondition.wait_for(lock, watchdogPeriod, [this] { return m_watchdogStop.load(); });
 }
 
 void Camera::OnlineFunction()

@@ -18,6 +18,8 @@
 #include "ZylSdk.h"
 #include "camera/ImageQueue.h"
 
+class SharedFramePool;
+
 namespace GenApi_3_4 {
 struct INodeMap;
 }
@@ -130,15 +132,25 @@ protected:
     bool GrabShouldExit() const;
     bool IsGrabPauseSet() const;
     void MarkGrabInactive();
-    // Appends a frame, releasing the oldest one first when two are already waiting.
+    // After a failed read. A device that is gone fails every read at once: the grab thread then
+    // waits for the watchdog (or the host) to stop the grab rather than count failure upon failure.
+    void PauseAfterFailedRead(int code);
+    // Appends a frame, releasing the oldest one first when two are already waiting, and wakes
+    // the delivery thread.
     void QueueImageKeepingNewest(ZYLGENICAM::IImage* image);
+    // Appends a frame, dropping none, and wakes the delivery thread.
+    void QueueImage(ZYLGENICAM::IImage* image);
+    // Parks the delivery thread, which holds the image-list lock, until a frame is queued; false
+    // when delivery must pause instead. Nothing is polled: the frame wakes it.
+    bool WaitForQueuedImage(std::unique_lock<std::mutex>& lock);
     void PublishStatistics(uint64_t frameCount, uint64_t errorCount, double frameRate, double bandwidth);
     // Frame and error counters only; the rates keep their values.
     void PublishCounters(uint64_t frameCount, uint64_t errorCount);
     void NotifyAcqStatistics();
     // The acquisition stops itself: called by the grab thread after it cleared its active flag.
     void StopGrabFromGrabThread();
-    // Hands a frame (or null: no image) to the host; with no host registered the frame is released.
+    // Hands a frame (or null: no image) to the host's image listeners; the frame goes back to the
+    // SDK after the last of them released it, at once when there is none.
     void DeliverImage(ZYLGENICAM::IImage* image, int extra1, int extra2);
     // The null image that tells the host the acquisition stopped, then the waiting frames dropped.
     void EndDelivery(int extra1);
@@ -149,6 +161,7 @@ protected:
 
     std::mutex m_imageListMutex;
     ImageQueue m_imageList;
+    const std::shared_ptr<SharedFramePool> m_framePool;
 
 private:
     void ParametersReset();

@@ -5,6 +5,7 @@
 #include "camera/CameraHost.h"
 #include "camera/PayloadCalc.h"
 #include "camera/RateRing.h"
+#include "camera/SharedFramePool.h"
 #include "log/Log.h"
 
 namespace {
@@ -13,8 +14,8 @@ constexpr uint64_t grabTimeoutMs = 300;
 constexpr uint64_t publicationPeriodMs = 300;
 constexpr uint64_t deliveryPeriodMs = 30;
 constexpr int sdkTimeout = -11;
-constexpr auto emptyListPause = std::chrono::milliseconds(5);
 constexpr auto failedReadPause = std::chrono::milliseconds(5);
+constexpr int sdkLost = -13;
 constexpr auto stopDelay = std::chrono::milliseconds(50);
 constexpr double bitsPerMegabit = 125000.0;
 } // namespace
@@ -85,6 +86,8 @@ int Camera::StopGrabLocked(bool notify)
     m_grabbing.store(false);
     m_grabPause.store(true);
     m_deliverPause.store(true);
+    WakeGrabThread();
+    WakeDeliveryThread();
     WaitUntil([this] { return !m_grabActive.load() && !m_deliverActive.load(); });
     ReleaseQueuedImages();
     if (ZYLGENICAM::ICamera* sdkCamera = m_camera.load())
@@ -163,6 +166,16 @@ bool Camera::GrabShouldExit() const
     return m_grabExit.load();
 }
 
+void Camera::PauseAfterFailedRead(int code)
+{
+    if (code != sdkLost) {
+        std::this_thread::sleep_for(failedReadPause);
+        return;
+    }
+    std::unique_lock<std::mutex> lock(m_grabWaitMutex);
+    m_grabCondition.wait(lock, [this] { return GrabShouldPause(); });
+}
+
 void Camera::MarkGrabInactive()
 {
     m_grabActive.store(false);
@@ -170,12 +183,30 @@ void Camera::MarkGrabInactive()
 
 void Camera::QueueImageKeepingNewest(ZYLGENICAM::IImage* image)
 {
-    std::lock_guard<std::mutex> lock(m_imageListMutex);
-    if (m_imageList.Size() >= 2) {
-        if (ZYLGENICAM::IImage* oldest = m_imageList.PopFront())
-            oldest->Release();
+    {
+        std::lock_guard<std::mutex> lock(m_imageListMutex);
+        if (m_imageList.Size() >= 2) {
+            if (ZYLGENICAM::IImage* oldest = m_imageList.PopFront())
+                oldest->Release();
+        }
+        m_imageList.PushBack(image);
     }
-    m_imageList.PushBack(image);
+    m_deliveryCondition.notify_one();
+}
+
+void Camera::QueueImage(ZYLGENICAM::IImage* image)
+{
+    {
+        std::lock_guard<std::mutex> lock(m_imageListMutex);
+        m_imageList.PushBack(image);
+    }
+    m_deliveryCondition.notify_one();
+}
+
+bool Camera::WaitForQueuedImage(std::unique_lock<std::mutex>& lock)
+{
+    m_deliveryCondition.wait(lock, [this] { return DeliveryShouldPause() || !m_imageList.Empty(); });
+    return !DeliveryShouldPause();
 }
 
 void Camera::NotifyAcqStatistics()
@@ -203,10 +234,14 @@ void Camera::PublishCounters(uint64_t frameCount, uint64_t errorCount)
 
 void Camera::DeliverImage(ZYLGENICAM::IImage* image, int extra1, int extra2)
 {
-    if (CameraHost* host = GetCameraHost())
-        host->NotifyImageUpdate(GetKey(), image, extra1, extra2);
-    else if (image)
-        image->Release();
+    CameraHost* host = GetCameraHost();
+    if (!image) {
+        if (host)
+            host->NotifyImageUpdate(GetKey(), nullptr, extra1, extra2);
+        return;
+    }
+    SharedFrame* frame = m_framePool->Take(image);
+    frame->Settle(host ? host->NotifyImageUpdate(GetKey(), frame, extra1, extra2) : 0);
 }
 
 void Camera::EndDelivery(int extra1)
@@ -266,6 +301,8 @@ void Camera::RunGrabLoop(const GrabLoopStyle& style)
         const uint64_t start = NowMs();
         RateRing ring(start);
         uint64_t frames = 0;
+        // Frames the device sent, incomplete ones too: only these count towards the frame limit.
+        uint64_t received = 0;
         uint64_t errors = 0;
         double rate = 0;
         double bandwidth = 0;
@@ -307,7 +344,7 @@ void Camera::RunGrabLoop(const GrabLoopStyle& style)
                 }
                 ++errors;
                 LogGrabFailure(result, reportedId);
-                std::this_thread::sleep_for(failedReadPause);
+                PauseAfterFailedRead(result);
             } else {
                 // Sized before it is queued: once in the list the frame may already be delivered and released.
                 measurable = image->IsValid() && image->GetHeight() != 0;
@@ -317,18 +354,20 @@ void Camera::RunGrabLoop(const GrabLoopStyle& style)
                 QueueImageKeepingNewest(image);
             }
             ++frames;
+            if (image)
+                ++received;
             if (measurable) {
                 rate = ring.Rate(now);
                 bandwidth = rate * (static_cast<double>(bytesPerFrame) / bitsPerMegabit);
                 ring.Shift(now);
             }
             const uint64_t frameLimit = m_frameLimit.load();
-            if (now - lastPublication < publicationPeriodMs && frames < frameLimit)
+            if (now - lastPublication < publicationPeriodMs && received < frameLimit)
                 continue;
             PublishStatistics(frames, errors, rate, bandwidth);
             lastPublication = now;
             reportGap = true;
-            if (frames >= frameLimit) {
+            if (received >= frameLimit) {
                 m_grabActive.store(false);
                 std::this_thread::sleep_for(stopDelay);
                 StopGrabFromGrabThread();
@@ -342,18 +381,14 @@ void Camera::DeliverImageFunction()
 {
     while (WaitForDeliveryStart()) {
         RateRing ring(NowMs());
-        while (!DeliveryShouldPause()) {
+        for (;;) {
             ZYLGENICAM::IImage* image = nullptr;
             {
-                std::lock_guard<std::mutex> lock(m_imageListMutex);
-                if (!m_imageList.Empty() && m_imageList.Back()) {
-                    image = m_imageList.PopBack();
-                    ClearImageList();
-                }
-            }
-            if (!image) {
-                std::this_thread::sleep_for(emptyListPause);
-                continue;
+                std::unique_lock<std::mutex> lock(m_imageListMutex);
+                if (!WaitForQueuedImage(lock))
+                    break;
+                image = m_imageList.PopBack();
+                ClearImageList();
             }
             ring.CountNewest(1);
             // The frame now belongs to the host.

@@ -3,6 +3,7 @@
 // so a camera can also run under a test host, or under none at all.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "ZylImage.h"
@@ -11,7 +12,9 @@ class Camera;
 
 class CameraHost {
 public:
-    virtual void NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) = 0;
+    // Hands the image to every image listener; returns how many were handed it, each of which
+    // releases it once.
+    virtual std::size_t NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) = 0;
     virtual void NotifyAcqStatisticUpdate(std::string key, bool flag) = 0;
     virtual void NotifyDeviceListUpdate(std::string listKey, std::string key) = 0;
     virtual void NotifyDeviceListUpdate() = 0;

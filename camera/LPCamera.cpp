@@ -24,8 +24,6 @@ constexpr uint64_t chunkHeaderBytes = 24;
 constexpr double bitsPerMegabit = 125000.0;
 constexpr auto switchWritePause = std::chrono::milliseconds(10);
 constexpr auto drainPollInterval = std::chrono::milliseconds(10);
-constexpr auto emptyListPause = std::chrono::milliseconds(5);
-constexpr auto failedReadPause = std::chrono::milliseconds(5);
 constexpr auto stopDelay = std::chrono::milliseconds(50);
 
 const std::array<const char*, 4> modeSwitches = {"EnableExtraction", "EnableImage", "EnableCalibration",
@@ -202,8 +200,7 @@ void LPCamera::QueueProfileImage(ZYLGENICAM::IImage* image, int mode, bool limit
         image->Release();
         return;
     }
-    std::lock_guard<std::mutex> lock(m_imageListMutex);
-    m_imageList.PushBack(image);
+    QueueImage(image);
 }
 
 void LPCamera::WaitUntilImageListDrained()
@@ -279,7 +276,7 @@ void LPCamera::RunAcquisition()
             }
             ++errors;
             LogGrabFailure(result, lastId);
-            std::this_thread::sleep_for(failedReadPause);
+            PauseAfterFailedRead(result);
             continue;
         }
 
@@ -314,20 +311,17 @@ void LPCamera::DeliverImageFunction()
 {
     while (WaitForDeliveryStart()) {
         RateRing ring(NowMs());
-        while (!DeliveryShouldPause()) {
-            const int mode = GetCameraImageMode();
+        for (;;) {
+            int mode = 0;
             ZYLGENICAM::IImage* image = nullptr;
             {
-                std::lock_guard<std::mutex> lock(m_imageListMutex);
-                if (!m_imageList.Empty()) {
-                    image = m_imageList.PopFront();
-                    if (mode != batchMode)
-                        ClearImageList();
-                }
-            }
-            if (!image) {
-                std::this_thread::sleep_for(emptyListPause);
-                continue;
+                std::unique_lock<std::mutex> lock(m_imageListMutex);
+                if (!WaitForQueuedImage(lock))
+                    break;
+                mode = GetCameraImageMode();
+                image = m_imageList.PopFront();
+                if (mode != batchMode)
+                    ClearImageList();
             }
             ring.CountNewest(1);
             if (IsMarkedOnline())

@@ -84,6 +84,8 @@ void DeviceManager::StopBackgroundThreads()
     m_idle.store(false);
     m_stop.store(true);
     m_refreshCondition->notify_one();
+    { std::lock_guard<std::mutex> lock(m_timerMutex); }
+    m_timerWake.notify_all();
     PollEvery100Microseconds(m_timerEnded);
     if (m_discoveryThread != nullptr) {
         // The wake-up is repeated because one sent before the thread waits would be lost.
@@ -179,15 +181,11 @@ void DeviceManager::NotifyFocusUpdate(std::string id, ViewerBiz3::FOCUS_TYPE typ
     m_event.NotifyFocusUpdateListener(type, id);
 }
 
-void DeviceManager::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2)
+std::size_t DeviceManager::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2)
 {
-    if (!m_notificationsEnabled.load()) {
-        // Nobody will receive the frame, so it goes back to the SDK here.
-        if (image != nullptr)
-            image->Release();
-        return;
-    }
-    m_event.NotifyImageUpdateListener(std::move(key), image, extra1, extra2);
+    if (!m_notificationsEnabled.load())
+        return 0;
+    return m_event.NotifyImageUpdateListener(std::move(key), image, extra1, extra2);
 }
 
 void DeviceManager::NotifyAcqStatisticUpdate(std::string key, bool flag)

@@ -63,7 +63,7 @@ public:
 
     // Notifications, dropped once destruction has begun.
     void NotifyFocusUpdate(std::string id, ViewerBiz3::FOCUS_TYPE type);
-    void NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
+    std::size_t NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
     void NotifyAcqStatisticUpdate(std::string key, bool flag) override;
     void NotifyDeviceListUpdate(std::string listKey, std::string key) override;
     void NotifyDeviceListUpdate() override;
@@ -177,6 +177,9 @@ private:
     CardMap m_furtherCardMap;
     std::thread* m_discoveryThread = nullptr;
     std::thread m_timerThread;
+    // Cuts the timer's one-second tick short at shutdown.
+    std::mutex m_timerMutex;
+    std::condition_variable m_timerWake;
     std::atomic<bool> m_stop{false};
     std::atomic<bool> m_idle{true};
     std::atomic<bool> m_timerEnded{false};

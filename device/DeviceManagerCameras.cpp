@@ -1,5 +1,6 @@
 // Camera operations of the device manager: open and close with their
 // bookkeeping, acquisition, information, node access, focus and modes.
+#include <algorithm>
 #include <cstdlib>
 
 #include "camera/CLCamera.h"
@@ -17,7 +18,20 @@ namespace {
 
 constexpr uint16_t KIND_PROFILE = 1;
 constexpr uint16_t KIND_SHOW_MODE = 5;
-constexpr unsigned long long CONTINUOUS = ~0ULL;
+
+// The decimal frame count of "AcquisitionFrameCount"; a value that is no number (a device may
+// describe the node as a string or enumeration) means no limit rather than a limit of 0.
+unsigned long long ParseFrameCount(const std::string& source, const std::string& count)
+{
+    const char* begin = count.c_str();
+    char* end = nullptr;
+    unsigned long long frames = std::strtoull(begin, &end, 10);
+    if (end != begin && *end == '\0' && count.find('-') == std::string::npos)
+        return frames;
+    Utilities::LogWarning(source, "AcquisitionFrameCount \"" + count + "\" is no number: grabbing without a frame limit.",
+                          1);
+    return ZYLGENICAM::NO_FRAME_LIMIT;
+}
 
 } // namespace
 
@@ -125,6 +139,10 @@ void DeviceManager::RemoveOpenedCamera(std::string id)
         std::lock_guard<std::mutex> devices(m_deviceListMutex);
         std::lock_guard<std::mutex> opened(m_openedCamerasMutex);
         auto found = m_deviceList.find(id);
+        // A USB camera re-keyed under its new name still reports the key it was listed with.
+        if (found == m_deviceList.end())
+            found = std::find_if(m_deviceList.begin(), m_deviceList.end(),
+                                 [&id](const auto& entry) { return entry.second != nullptr && entry.second->GetKey() == id; });
         if (found != m_deviceList.end()) {
             Camera* listed = found->second;
             m_deviceList.erase(found);
@@ -173,7 +191,7 @@ int DeviceManager::StartGrab(std::string id)
     Camera* camera = FindOpenedCameraOrCL(id, true);
     if (camera == nullptr)
         return -1;
-    unsigned long long frameCount = CONTINUOUS;
+    unsigned long long frameCount = ZYLGENICAM::NO_FRAME_LIMIT;
     std::string mode;
     if (camera->GetNodeValue("AcquisitionMode", mode, true) == 0) {
         if (mode == "SingleFrame") {
@@ -181,7 +199,7 @@ int DeviceManager::StartGrab(std::string id)
         } else if (mode == "MultiFrame") {
             std::string count;
             if (camera->GetNodeValue("AcquisitionFrameCount", count, true) == 0)
-                frameCount = std::strtoull(count.c_str(), nullptr, 10);
+                frameCount = ParseFrameCount(camera->GetName(), count);
         }
     }
     int result = camera->StartGrab(0, frameCount);

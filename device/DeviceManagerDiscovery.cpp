@@ -25,6 +25,15 @@ const char* const USB_CARD_KEY = "usbCard";
 // Kinds below this one are GigE cameras for recognition purposes.
 constexpr uint16_t FIRST_NON_GIGE_KIND = 3;
 
+// Simulated cameras come in several kinds; their transport and serial number tell them apart.
+bool IsSimulatedCamera(Camera* camera, const std::string& serial)
+{
+    ZYLGENICAM::ICamera* handle = camera->GetSdkCamera();
+    ZYLGENICAM::ICameraInfo* info = handle != nullptr ? handle->GetDeviceInfo() : nullptr;
+    return info != nullptr && info->GetTLType() == ZYLGENICAM::TL_SIMULATED &&
+           camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial;
+}
+
 } // namespace
 
 int DeviceManager::RefreshDeviceList(int types)
@@ -72,7 +81,11 @@ unsigned long long DeviceManager::GetTLTypeList()
 void DeviceManager::TimerUpdateDeviceListFunction()
 {
     while (!m_stop.load()) {
-        std::this_thread::sleep_for(std::chrono::seconds(1));
+        {
+            // Shutdown wakes the wait, so it never waits out a whole tick.
+            std::unique_lock<std::mutex> lock(m_timerMutex);
+            m_timerWake.wait_for(lock, std::chrono::seconds(1), [this] { return m_stop.load(); });
+        }
         int ticks = m_timerTicks.fetch_add(1) + 1;
         if (m_stop.load())
             return;
@@ -295,6 +308,12 @@ bool DeviceManager::CameraIsOpened(ZYLGENICAM::ICameraInfo* info)
              ++entry) {
             Camera* camera = entry->second;
             if (camera != nullptr && camera->GetKind() == KIND_USB && camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
+                match = entry;
+        }
+    } else if (tlType == ZYLGENICAM::TL_SIMULATED) {
+        for (auto entry = m_openedCameras.begin(); entry != m_openedCameras.end() && match == m_openedCameras.end();
+             ++entry) {
+            if (entry->second != nullptr && IsSimulatedCamera(entry->second, serial))
                 match = entry;
         }
     } else if (tlType == ZYLGENICAM::TL_CAMERALINK) {

@@ -68,17 +68,17 @@ void EventManager::NotifyLayoutUpdateListener(LAYOUT_TYPE layout)
 
 int EventManager::RegisterImageUpdateListener(std::string /*cameraId*/, IImageUpdate* listener)
 {
-    return RegisterListener(listener, m_imageMutex, m_imageListeners);
+    return m_imageListeners.Add(listener);
 }
 
 int EventManager::UnRegisterImageUpdateListener(std::string /*cameraId*/, IImageUpdate* listener)
 {
-    return UnRegisterListener(listener, m_imageMutex, m_imageListeners);
+    return m_imageListeners.Remove(listener);
 }
 
-void EventManager::NotifyImageUpdateListener(std::string cameraKey, void* image, int extra1, int extra2)
+std::size_t EventManager::NotifyImageUpdateListener(std::string cameraKey, void* image, int extra1, int extra2)
 {
-    NotifyListenerNoMutex(m_imageListeners, &IImageUpdate::OnImageUpdate, cameraKey, image, extra1, extra2);
+    return m_imageListeners.Notify(&IImageUpdate::OnImageUpdate, cameraKey, image, extra1, extra2);
 }
 
 int EventManager::RegisterImageModeUpdateListener(IImageModeUpdate* listener)
@@ -115,18 +115,17 @@ void EventManager::NotifySLImageShowModeUpdateListener(std::string cameraId, int
 
 int EventManager::RegisterAcqStatisticUpdateListener(IAcqStatisticUpdate* listener)
 {
-    return RegisterListener(listener, m_acqStatisticMutex, m_acqStatisticListeners);
+    return m_acqStatisticListeners.Add(listener);
 }
 
 int EventManager::UnRegisterAcqStatisticUpdateListener(IAcqStatisticUpdate* listener)
 {
-    return UnRegisterListener(listener, m_acqStatisticMutex, m_acqStatisticListeners);
+    return m_acqStatisticListeners.Remove(listener);
 }
 
 void EventManager::NotifyAcqStatisticUpdateListener(std::string cameraName, bool fromSetInfo)
 {
-    NotifyListenerNoMutex(m_acqStatisticListeners, &IAcqStatisticUpdate::OnAcqStatisticUpdate, cameraName,
-                          fromSetInfo);
+    m_acqStatisticListeners.Notify(&IAcqStatisticUpdate::OnAcqStatisticUpdate, cameraName, fromSetInfo);
 }
 
 int EventManager::RegisterCardTimerNodeUpdateListener(std::string /*cardId*/, std::string /*nodeName*/,
@@ -277,10 +276,10 @@ void EventManager::ClearAll()
     ClearList(m_deviceListMutex, m_deviceListListeners);
     ClearList(m_focusMutex, m_focusListeners);
     ClearList(m_layoutMutex, m_layoutListeners);
-    ClearList(m_imageMutex, m_imageListeners);
+    m_imageListeners.Clear();
     ClearList(m_imageModeMutex, m_imageModeListeners);
     ClearList(m_slImageShowModeMutex, m_slImageShowModeListeners);
-    ClearList(m_acqStatisticMutex, m_acqStatisticListeners);
+    m_acqStatisticListeners.Clear();
     ClearList(m_cardTimerNodeMutex, m_cardTimerNodeListeners);
     ClearList(m_cameraTimerNodeMutex, m_cameraTimerNodeListeners);
     ClearList(m_importMutex, m_importListeners);

@@ -1,6 +1,8 @@
 // The registry of the host's listener objects and the single place from which
 // every event of the library reaches the host. Each list has its own mutex;
-// no two of them are ever held together.
+// no two of them are ever held together. The image and statistics lists, which
+// acquisition threads walk for every frame, are snapshot lists instead: walked
+// without a lock and changeable at any time.
 #pragma once
 
 #include <algorithm>
@@ -10,6 +12,7 @@
 #include <vector>
 
 #include "ViewerBiz3Listeners.h"
+#include "events/SnapshotListenerList.h"
 
 // A null listener is refused; anything else is appended, duplicates included,
 // so a listener registered twice is called twice.
@@ -38,24 +41,18 @@ int UnRegisterListener(Listener* listener, Mutex& mutex, Vector& listeners)
     return 0;
 }
 
-// The arguments are passed as lvalues on purpose: every by-value string
-// parameter of the callback gets a fresh copy per listener, while reference
-// parameters (the ROI out-values) bind to the caller's variables.
-template <typename Listener, typename Vector, typename... Params, typename... Args>
-void NotifyListenerNoMutex(Vector& listeners, void (Listener::*callback)(Params...), Args&&... args)
-{
-    for (Listener* listener : listeners) {
-        (listener->*callback)(args...);
-    }
-}
-
 // The list's mutex is held across the callbacks, so a listener must not
-// register or unregister on the list that is calling it.
+// register or unregister on the list that is calling it. The arguments are
+// passed as lvalues on purpose: every by-value string parameter of the
+// callback gets a fresh copy per listener, while reference parameters (the
+// ROI out-values) bind to the caller's variables.
 template <typename Listener, typename Mutex, typename Vector, typename... Params, typename... Args>
 void NotifyListener(Mutex& mutex, Vector& listeners, void (Listener::*callback)(Params...), Args&&... args)
 {
     std::lock_guard<Mutex> lock(mutex);
-    NotifyListenerNoMutex(listeners, callback, std::forward<Args>(args)...);
+    for (Listener* listener : listeners) {
+        (listener->*callback)(args...);
+    }
 }
 
 class EventManager {
@@ -84,8 +81,9 @@ public:
     // The camera identifier is not kept: every image listener hears every camera.
     int RegisterImageUpdateListener(std::string cameraId, ViewerBiz3::IImageUpdate* listener);
     int UnRegisterImageUpdateListener(std::string cameraId, ViewerBiz3::IImageUpdate* listener);
-    // Called once per frame from acquisition threads, so it takes no lock.
-    void NotifyImageUpdateListener(std::string cameraKey, void* image, int extra1, int extra2);
+    // Called once per frame from acquisition threads; takes no lock. Returns how many listeners
+    // were handed the image.
+    std::size_t NotifyImageUpdateListener(std::string cameraKey, void* image, int extra1, int extra2);
 
     int RegisterImageModeUpdateListener(ViewerBiz3::IImageModeUpdate* listener);
     int UnRegisterImageModeUpdateListener(ViewerBiz3::IImageModeUpdate* listener);
@@ -97,7 +95,7 @@ public:
 
     int RegisterAcqStatisticUpdateListener(ViewerBiz3::IAcqStatisticUpdate* listener);
     int UnRegisterAcqStatisticUpdateListener(ViewerBiz3::IAcqStatisticUpdate* listener);
-    // Called from acquisition threads, so it takes no lock.
+    // Called from acquisition threads; takes no lock.
     void NotifyAcqStatisticUpdateListener(std::string cameraName, bool fromSetInfo);
 
     // Card and node identifiers and the interval are not kept; nothing in the
@@ -140,7 +138,8 @@ public:
     int UnRegisterCameraIdUpdateListener(ViewerBiz3::ICameraIdUpdate* listener);
     void NotifyCameraIdUpdateListener(std::string oldId, std::string newName);
 
-    // Empties every list one at a time (capacity kept); called first at shutdown.
+    // Empties every list one at a time; called first at shutdown. Once it returned, no listener
+    // is called any more.
     void ClearAll();
 
 private:
@@ -152,14 +151,12 @@ private:
     std::mutex m_focusMutex;
     std::vector<ViewerBiz3::ILayoutUpdate*> m_layoutListeners;
     std::mutex m_layoutMutex;
-    std::vector<ViewerBiz3::IImageUpdate*> m_imageListeners;
-    std::mutex m_imageMutex;
+    SnapshotListenerList<ViewerBiz3::IImageUpdate> m_imageListeners;
     std::vector<ViewerBiz3::IImageModeUpdate*> m_imageModeListeners;
     std::mutex m_imageModeMutex;
     std::vector<ViewerBiz3::ISLImageShowModeUpdate*> m_slImageShowModeListeners;
     std::mutex m_slImageShowModeMutex;
-    std::vector<ViewerBiz3::IAcqStatisticUpdate*> m_acqStatisticListeners;
-    std::mutex m_acqStatisticMutex;
+    SnapshotListenerList<ViewerBiz3::IAcqStatisticUpdate> m_acqStatisticListeners;
     std::vector<ViewerBiz3::ITimerNodeUpdate*> m_cardTimerNodeListeners;
     std::mutex m_cardTimerNodeMutex;
     std::vector<ViewerBiz3::ITimerNodeUpdate*> m_cameraTimerNodeListeners;

@@ -2,16 +2,18 @@
 
 #include <arv.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <mutex>
+#include <vector>
 
 #include "genapi/ArvNodeMap.h"
 #include "genapi/GCException.h"
-#include "genapi/Representation.h"
+#include "genapi/IInteger.h"
 
 namespace GenApi_3_4 {
 
@@ -51,14 +53,6 @@ void ArvFloatNode::CheckRange(double value, const char* operation) {
     if (value > max) {
         refuse(" must be equal or smaller than Max = " + FormatDouble(max) + ".");
     }
-    if (HasInc()) {
-        const double inc = GetInc();
-        const double steps = inc > 0.0 ? (value - min) / inc : 0.0;
-        // Tolerate the rounding of decimal increments such as 0.1.
-        if (std::fabs(steps - std::round(steps)) > 1e-6) {
-            refuse(" must be a multiple of Inc = " + FormatDouble(inc) + " added to Min = " + FormatDouble(min) + ".");
-        }
-    }
 }
 
 void ArvFloatNode::SetValue(double Value, bool Verify) {
@@ -95,21 +89,28 @@ double ArvFloatNode::GetMax() {
 }
 
 bool ArvFloatNode::HasInc() {
-    // ArvGc reports the smallest double when no increment is declared, so the document decides.
-    return HasPropertyElement("Inc") || HasPropertyElement("pInc");
+    const ArvNodeMap::Lock lock(NodeMap().Mutex());
+    // ArvGc reports the smallest double when no increment is declared, so the documents decide; a value that
+    // comes from an integer steps by that integer's increment.
+    const std::vector<const ArvNode*> chain = ValueChain();
+    return std::any_of(chain.begin(), chain.end(),
+                       [](const ArvNode* node) {
+                           return node->HasPropertyElement("Inc") || node->HasPropertyElement("pInc");
+                       }) ||
+           dynamic_cast<const IInteger*>(chain.back()) != nullptr;
 }
 
 double ArvFloatNode::GetInc() {
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (!HasInc()) {
-        Throw<GenICam_3_4::AccessException>("Node has no increment.", "AccessException", "GetInc");
+        Throw<GenICam_3_4::RuntimeException>("Node does not have an increment.", "RuntimeException", "GetInc");
     }
     return CallArv("GetInc", [&](GError** e) { return arv_gc_float_get_inc(AsArvFloat(FeatureNode()), e); });
 }
 
 ERepresentation ArvFloatNode::GetRepresentation() {
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
-    return RepresentationFromArv(arv_gc_float_get_representation(AsArvFloat(FeatureNode())));
+    return RepresentationAlongValueChain();
 }
 
 GenICam_3_4::gcstring ArvFloatNode::GetUnit() const {

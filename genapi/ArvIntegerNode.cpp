@@ -2,14 +2,12 @@
 
 #include <arv.h>
 
-#include <cerrno>
-#include <cstdlib>
 #include <limits>
 #include <mutex>
 
 #include "genapi/ArvNodeMap.h"
 #include "genapi/GCException.h"
-#include "genapi/Representation.h"
+#include "genapi/IntegerText.h"
 
 namespace GenApi_3_4 {
 
@@ -85,7 +83,7 @@ int64_t ArvIntegerNode::GetInc() {
 
 ERepresentation ArvIntegerNode::GetRepresentation() {
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
-    return RepresentationFromArv(arv_gc_integer_get_representation(AsArvInteger(FeatureNode())));
+    return RepresentationAlongValueChain();
 }
 
 GenICam_3_4::gcstring ArvIntegerNode::GetUnit() const {
@@ -94,16 +92,14 @@ GenICam_3_4::gcstring ArvIntegerNode::GetUnit() const {
 }
 
 GenICam_3_4::gcstring ArvIntegerNode::ToString(bool Verify, bool IgnoreCache) {
-    return std::to_string(GetValue(Verify, IgnoreCache));
+    const ArvNodeMap::Lock lock(NodeMap().Mutex());
+    return FormatInteger(GetValue(Verify, IgnoreCache), GetRepresentation());
 }
 
 void ArvIntegerNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify) {
-    const char* text = ValueStr.c_str();
-    char* end = nullptr;
-    errno = 0;
-    // Base 0 accepts the hexadecimal form ("0x1F") GenApi also accepts.
-    const long long value = std::strtoll(text, &end, 0);
-    if (end == text || *end != '\0' || errno == ERANGE) {
+    const ArvNodeMap::Lock lock(NodeMap().Mutex());
+    int64_t value = 0;
+    if (!ParseInteger(ValueStr, GetRepresentation(), value)) {
         Throw<GenICam_3_4::InvalidArgumentException>("Cannot convert '" + ValueStr.str() + "' to an integer.",
                                                      "InvalidArgumentException", "FromString");
     }

@@ -6,7 +6,7 @@
 namespace GenApi_3_4 {
 
 // Integer, IntReg, MaskedIntReg, IntConverter, IntSwissKnife and StructEntry nodes.
-class ArvIntegerNode final : public ArvNode, public virtual IInteger {
+class ArvIntegerNode : public ArvNode, public virtual IInteger {
 public:
     using ArvNode::ArvNode;
 
@@ -18,6 +18,7 @@ public:
     ERepresentation GetRepresentation() override;
     GenICam_3_4::gcstring GetUnit() const override;
 
+    // In the form of the node's representation (see IntegerText.h).
     GenICam_3_4::gcstring ToString(bool Verify = false, bool IgnoreCache = false) override;
     void FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify = true) override;
 

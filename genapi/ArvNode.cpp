@@ -2,12 +2,14 @@
 
 #include <arv.h>
 
+#include <algorithm>
 #include <mutex>
 #include <set>
 
 #include "genapi/ArvNodeMap.h"
 #include "genapi/GCException.h"
 #include "genapi/Pointer.h"
+#include "genapi/Representation.h"
 
 namespace GenApi_3_4 {
 
@@ -155,6 +157,35 @@ bool ArvNode::HasPropertyElement(const char* propertyName) const {
     GenICam_3_4::gcstring value;
     GenICam_3_4::gcstring attribute;
     return GetProperty(propertyName, value, attribute);
+}
+
+std::vector<const ArvNode*> ArvNode::ValueChain() const {
+    const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
+    std::vector<const ArvNode*> chain{this};
+    for (;;) {
+        const ArvNode* last = chain.back();
+        GenICam_3_4::gcstring target;
+        GenICam_3_4::gcstring attribute;
+        if ((!ARV_IS_GC_INTEGER_NODE(last->m_featureNode) && !ARV_IS_GC_FLOAT_NODE(last->m_featureNode)) ||
+            !last->GetProperty("pValue", target, attribute)) {
+            return chain;
+        }
+        const auto* next = dynamic_cast<const ArvNode*>(m_nodeMap.GetNode(target));
+        if (next == nullptr || std::find(chain.begin(), chain.end(), next) != chain.end()) {
+            return chain;
+        }
+        chain.push_back(next);
+    }
+}
+
+ERepresentation ArvNode::RepresentationAlongValueChain() const {
+    for (const ArvNode* node : ValueChain()) {
+        const ERepresentation declared = DeclaredRepresentation(node->m_featureNode);
+        if (declared != _UndefinedRepresentation) {
+            return declared;
+        }
+    }
+    return PureNumber;
 }
 
 GenICam_3_4::gcstring ArvNode::GetDisplayName() const {

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "genapi/ArvForward.h"
 #include "genapi/INode.h"
@@ -43,6 +44,9 @@ public:
     GenICam_3_4::gcstring ToString(bool Verify = false, bool IgnoreCache = false) override;
     void FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify = true) override;
 
+    // True when the node's element has a child element of that name (<Inc>, <pValue> ...).
+    bool HasPropertyElement(const char* propertyName) const;
+
 protected:
     // The access the node itself declares, before availability and locking are applied.
     virtual EAccessMode OwnAccessMode() const;
@@ -50,7 +54,12 @@ protected:
     ArvGcFeatureNode* FeatureNode() const { return m_featureNode; }
     ArvNodeMap& NodeMap() const { return m_nodeMap; }
     const std::string& Name() const { return m_name; }
-    bool HasPropertyElement(const char* propertyName) const;
+
+    // This node, then the nodes its value is read from through pValue, as far as plain Integer and Float nodes
+    // pass it on (a Converter's pValue is its raw input, not its value). Ends at a cycle.
+    std::vector<const ArvNode*> ValueChain() const;
+    // The first representation declared along the value chain; PureNumber, GenApi's default, when none is.
+    ERepresentation RepresentationAlongValueChain() const;
 
     void RequireReadable(const char* operation) const;
     void RequireWritable(const char* operation) const;

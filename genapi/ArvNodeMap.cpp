@@ -13,6 +13,7 @@
 #include "genapi/ArvFloatNode.h"
 #include "genapi/ArvIntegerNode.h"
 #include "genapi/ArvNode.h"
+#include "genapi/ArvRegisterNode.h"
 #include "genapi/ArvStringNode.h"
 
 namespace GenApi_3_4 {
@@ -76,6 +77,15 @@ std::vector<ArvGcFeatureNode*> AllFeatureNodes(ArvGc* genicam) {
     return found;
 }
 
+// Register-backed nodes offer the raw bytes beside their typed interface.
+template <class ValueNode>
+std::unique_ptr<ArvNode> MakeValueNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* featureNode, std::string name) {
+    if (ARV_IS_GC_REGISTER(featureNode)) {
+        return std::make_unique<ArvRegisterNode<ValueNode>>(nodeMap, featureNode, std::move(name));
+    }
+    return std::make_unique<ValueNode>(nodeMap, featureNode, std::move(name));
+}
+
 std::unique_ptr<ArvNode> MakeNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* featureNode, std::string name) {
     // Same order as ArvNode::GetPrincipalInterfaceType: an ArvGc enumeration also passes the integer test.
     if (ARV_IS_GC_ENUMERATION(featureNode)) {
@@ -97,15 +107,15 @@ std::unique_ptr<ArvNode> MakeNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* feature
         return std::make_unique<ArvNode>(nodeMap, featureNode, std::move(name));
     }
     if (ARV_IS_GC_INTEGER(featureNode)) {
-        return std::make_unique<ArvIntegerNode>(nodeMap, featureNode, std::move(name));
+        return MakeValueNode<ArvIntegerNode>(nodeMap, featureNode, std::move(name));
     }
     if (ARV_IS_GC_FLOAT(featureNode)) {
-        return std::make_unique<ArvFloatNode>(nodeMap, featureNode, std::move(name));
+        return MakeValueNode<ArvFloatNode>(nodeMap, featureNode, std::move(name));
     }
     if (ARV_IS_GC_STRING(featureNode)) {
-        return std::make_unique<ArvStringNode>(nodeMap, featureNode, std::move(name));
+        return MakeValueNode<ArvStringNode>(nodeMap, featureNode, std::move(name));
     }
-    return std::make_unique<ArvNode>(nodeMap, featureNode, std::move(name));
+    return MakeValueNode<ArvNode>(nodeMap, featureNode, std::move(name));
 }
 
 } // namespace

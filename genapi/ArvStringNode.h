@@ -6,7 +6,7 @@
 namespace GenApi_3_4 {
 
 // String and StringReg nodes.
-class ArvStringNode final : public ArvNode, public virtual IString {
+class ArvStringNode : public ArvNode, public virtual IString {
 public:
     using ArvNode::ArvNode;
 

@@ -14,6 +14,7 @@
 #include "genapi/IInteger.h"
 #include "genapi/INode.h"
 #include "genapi/INodeMap.h"
+#include "genapi/IRegister.h"
 #include "genapi/IString.h"
 #include "genapi/IValue.h"
 #include "genapi/Pointer.h"

@@ -7,6 +7,9 @@
 
 namespace GenApi_3_4 {
 
+// ToString writes the value in its representation: "0x1f" for HexNumber, "192.168.0.2" for IPV4Address,
+// "00:0c:29:aa:bb:cc" for MACAddress, decimal otherwise. FromString reads those forms, decimal ("010" is ten)
+// and "0x" hexadecimal.
 struct IInteger : virtual public IValue {
     // Verify: check access, minimum, maximum and increment, throwing on violation.
     virtual void SetValue(int64_t Value, bool Verify = true) = 0;
@@ -14,6 +17,7 @@ struct IInteger : virtual public IValue {
     virtual int64_t GetMin() = 0;
     virtual int64_t GetMax() = 0;
     virtual int64_t GetInc() = 0;
+    // As declared by the node or the nodes its value comes from; PureNumber when none declares one.
     virtual ERepresentation GetRepresentation() = 0;
     virtual GenICam_3_4::gcstring GetUnit() const = 0;
 

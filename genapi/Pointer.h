@@ -10,6 +10,7 @@
 #include "genapi/IFloat.h"
 #include "genapi/IInteger.h"
 #include "genapi/INode.h"
+#include "genapi/IRegister.h"
 #include "genapi/IString.h"
 #include "genapi/IValue.h"
 
@@ -61,6 +62,7 @@ using CCommandPtr = CPointer<ICommand>;
 using CEnumerationPtr = CPointer<IEnumeration>;
 using CEnumEntryPtr = CPointer<IEnumEntry>;
 using CCategoryPtr = CPointer<ICategory>;
+using CRegisterPtr = CPointer<IRegister>;
 
 inline bool IsReadable(EAccessMode AccessMode) {
     return AccessMode == RO || AccessMode == RW;

@@ -4,7 +4,9 @@
 
 namespace GenApi_3_4 {
 
-ERepresentation RepresentationFromArv(int arvRepresentation) {
+namespace {
+
+ERepresentation RepresentationFromArv(ArvGcRepresentation arvRepresentation) {
     switch (arvRepresentation) {
     case ARV_GC_REPRESENTATION_LINEAR:
         return Linear;
@@ -23,6 +25,18 @@ ERepresentation RepresentationFromArv(int arvRepresentation) {
     default:
         return _UndefinedRepresentation;
     }
+}
+
+} // namespace
+
+ERepresentation DeclaredRepresentation(ArvGcFeatureNode* featureNode) {
+    if (ARV_IS_GC_INTEGER(featureNode)) {
+        return RepresentationFromArv(arv_gc_integer_get_representation(ARV_GC_INTEGER(featureNode)));
+    }
+    if (ARV_IS_GC_FLOAT(featureNode)) {
+        return RepresentationFromArv(arv_gc_float_get_representation(ARV_GC_FLOAT(featureNode)));
+    }
+    return _UndefinedRepresentation;
 }
 
 } // namespace GenApi_3_4

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "genapi/ArvForward.h"
 #include "genapi/Types.h"
 
 namespace GenApi_3_4 {
 
-// Aravis's ArvGcRepresentation value (passed as int to keep GLib types out of this header) as GenApi's enum.
-ERepresentation RepresentationFromArv(int arvRepresentation);
+// The <Representation> the node's own element declares (Integer and Float kinds); _UndefinedRepresentation
+// when it declares none.
+ERepresentation DeclaredRepresentation(ArvGcFeatureNode* featureNode);
 
 } // namespace GenApi_3_4

@@ -39,6 +39,10 @@ enum CLInfoItem : int {
     CL_SERIAL_PORT = 3,  // stored serial port, may be empty
 };
 
+// The frame limit of an acquisition that runs until it is stopped: the one value the device
+// manager, the camera and the SDK all read as "no limit".
+constexpr uint64_t NO_FRAME_LIMIT = ~uint64_t(0);
+
 // Status codes of the SDK calls.
 enum SdkResult : int {
     SDK_OK = 0,
@@ -94,7 +98,7 @@ public:
     virtual IModule* GetModule2() = 0;
     virtual IModule* GetModule3() = 0;
     virtual IModule* GetModule4() = 0;
-    virtual int StartGrabbing(int mode, uint64_t frameLimit) = 0;
+    virtual int StartGrabbing(int mode, uint64_t frameLimit) = 0;   // NO_FRAME_LIMIT: until stopped
     virtual int StopGrabbing() = 0;
     // 0: image set (caller releases it); SDK_TIMEOUT; other negative: failure (image may be set).
     virtual int GetImage(IImage*& image, uint64_t timeoutMs) = 0;

@@ -1,18 +1,11 @@
 #include "settings/IniFile.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <limits.h>
-#include <stdlib.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -75,90 +68,6 @@ bool Load(const std::string& path, IniFile::Store& store)
     return store.LoadData(WithSectionHeadersClosed(std::move(text))) >= 0;
 }
 
-bool WriteAll(int fd, const std::string& content)
-{
-    const char* data = content.data();
-    std::size_t remaining = content.size();
-    while (remaining > 0) {
-        const ssize_t written = write(fd, data, remaining);
-        if (written < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
-        }
-        data += written;
-        remaining -= static_cast<std::size_t>(written);
-    }
-    return true;
-}
-
-// The replacement keeps the permissions of the file it replaces (mkstemp
-// creates it private to the owner).
-void CopyPermissions(const std::string& from, int toFd)
-{
-    struct stat original {};
-    if (stat(from.c_str(), &original) == 0) {
-        fchmod(toFd, original.st_mode & 07777);
-    }
-}
-
-std::string DirectoryOf(const std::string& path)
-{
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : (slash == 0 ? "/" : path.substr(0, slash));
-}
-
-// A save killed before its rename leaves its temporary file behind. Every writer holds an
-// exclusive lock on its temporary file until the rename, so one that nobody holds belongs to
-// a writer that died: it is removed before the next save instead of piling up.
-void RemoveAbandonedTemporaries(const std::string& target)
-{
-    const std::size_t slash = target.rfind('/');
-    const std::string directory = DirectoryOf(target);
-    const std::string prefix = target.substr(slash == std::string::npos ? 0 : slash + 1) + ".tmp.";
-    DIR* listing = opendir(directory.c_str());
-    if (listing == nullptr) {
-        return;
-    }
-    while (const dirent* entry = readdir(listing)) {
-        const std::string name = entry->d_name;
-        if (name.compare(0, prefix.size(), prefix) != 0) {
-            continue;
-        }
-        const std::string abandoned = directory + "/" + name;
-        const int fd = open(abandoned.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-        if (fd < 0) {
-            continue;
-        }
-        if (flock(fd, LOCK_EX | LOCK_NB) == 0) {
-            unlink(abandoned.c_str());
-        }
-        close(fd);
-    }
-    closedir(listing);
-}
-
-// Makes the rename itself durable, not only the new file's contents.
-void SyncDirectoryOf(const std::string& path)
-{
-    const int fd = open(DirectoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd >= 0) {
-        fsync(fd);
-        close(fd);
-    }
-}
-
-// A link is followed so that the file it points at is replaced, not the link.
-std::string ResolvedTarget(const std::string& path)
-{
-    char resolved[PATH_MAX];
-    if (realpath(path.c_str(), resolved) != nullptr) {
-        return resolved;
-    }
-    return path;
-}
-
 } // namespace
 
 namespace IniFile {
@@ -184,34 +93,7 @@ bool Update(const std::string& path, const std::function<void(Store&)>& update)
     if (store.Save(content, true) < 0) {
         return false;
     }
-    return ReplaceAtomically(path, content);
-}
-
-bool ReplaceAtomically(const std::string& path, const std::string& content)
-{
-    const std::string target = ResolvedTarget(path);
-    RemoveAbandonedTemporaries(target);
-    const std::string pattern = target + ".tmp.XXXXXX";
-    std::vector<char> temporary(pattern.begin(), pattern.end());
-    temporary.push_back('\0');
-    const int fd = mkostemp(temporary.data(), O_CLOEXEC);
-    if (fd < 0) {
-        return false;
-    }
-    // Held until the rename (released when the descriptor closes or the process dies).
-    flock(fd, LOCK_EX);
-    CopyPermissions(target, fd);
-    // Renamed while still open and locked, so no other writer takes it for abandoned; once
-    // fsync has succeeded the contents are on disk whatever close reports.
-    const bool written = WriteAll(fd, content) && fsync(fd) == 0;
-    const bool renamed = written && std::rename(temporary.data(), target.c_str()) == 0;
-    close(fd);
-    if (!renamed) {
-        unlink(temporary.data());
-        return false;
-    }
-    SyncDirectoryOf(target);
-    return true;
+    return Save(path, content);
 }
 
 } // namespace IniFile

@@ -25,6 +25,8 @@ public:
     ArvBuffer* Pop(uint64_t timeoutMs);
     void Push(ArvBuffer* buffer);
 
+    ArvStream* Stream() const { return m_stream.get(); }
+
     // A 64-bit id for a device frame id: GigE Vision block ids are 16-bit and wrap from 65535
     // to 1, so each wrap adds 65535 and the ids keep counting.
     uint64_t ContinuousFrameId(uint64_t deviceFrameId);

@@ -5,8 +5,10 @@
 #include "genapi/NodeMapFactory.h"
 #include "sdk/aravis/AravisDiscovery.h"
 #include "sdk/aravis/AravisImage.h"
+#include "sdk/aravis/GigeTransportModule.h"
 #include "sdk/aravis/GvcpBootstrapReader.h"
 #include "sdk/aravis/LostDeviceTeardown.h"
+#include "sdk/aravis/OpenUsbDevices.h"
 
 namespace ZYLGENICAM {
 
@@ -79,13 +81,13 @@ GObjectPtr<ArvDevice> AravisCamera::OpenDevice(int& result)
         result = SDK_OK;
         return RefObject(record.simulated->Device());
     }
-    std::lock_guard<std::mutex> interfaceLock(AravisDiscovery::InterfaceMutex());
-    ArvInterface* transport = record.tlType == TL_GIGE ? arv_gv_interface_get_instance() : arv_uv_interface_get_instance();
-    GError* error = nullptr;
-    GObjectPtr<ArvDevice> device(arv_interface_open_device(transport, record.aravisDeviceId.c_str(), &error));
-    g_clear_error(&error);
-    if (!device && record.tlType == TL_GIGE && !record.ipAddress.empty()) {
-        device.reset(arv_interface_open_device(transport, record.ipAddress.c_str(), &error));
+    GObjectPtr<ArvDevice> device;
+    if (record.tlType == TL_GIGE) {
+        device = AravisDiscovery::OpenGigeDevice(record.hostInterfaceAddress, record.ipAddress);
+    } else {
+        std::lock_guard<std::mutex> interfaceLock(AravisDiscovery::InterfaceMutex());
+        GError* error = nullptr;
+        device.reset(arv_interface_open_device(arv_uv_interface_get_instance(), record.aravisDeviceId.c_str(), &error));
         g_clear_error(&error);
     }
     if (!device)
@@ -120,12 +122,19 @@ int AravisCamera::Open(int)
     size_t xmlSize = 0;
     const char* xml = arv_device_get_genicam_xml(device.get(), &xmlSize);
     m_featureModule = std::make_unique<AravisModule>(m_nodeMap.get(), xml != nullptr ? std::string(xml, xmlSize) : std::string());
+    if (ARV_IS_GV_DEVICE(device.get()))
+        m_transportNodeMap = GigeTransportModule::CreateNodeMap(device.get());
+    if (m_transportNodeMap)
+        m_transportModule = std::make_unique<AravisModule>(m_transportNodeMap.get(), GigeTransportModule::Xml());
+    m_streamModule = std::make_unique<StreamModule>(device.get(), kBufferPoolSize);
     m_controlLost->store(false);
     // The device keeps the flag alive until it is finalized, which ends its heartbeat thread, so a
     // signal still in flight after disconnecting never touches freed memory.
     g_object_set_data_full(G_OBJECT(device.get()), "viewerbiz3-control-lost",
         new std::shared_ptr<std::atomic<bool>>(m_controlLost), DeleteControlLostFlag);
     m_controlLostHandler = g_signal_connect(device.get(), "control-lost", G_CALLBACK(OnControlLost), m_controlLost.get());
+    if (m_info->m_record.tlType == TL_USB)
+        OpenUsbDevices::Instance().Add(m_info->m_record.aravisDeviceId, device.get());
     m_device = std::move(device);
     m_lost.store(false);
     MarkAlive();
@@ -143,18 +152,36 @@ int AravisCamera::Close()
 
 int AravisCamera::CloseLocked()
 {
+    MarkLostUnlessAnsweringLocked();
     StopStreamLocked();
     m_open.store(false);
     g_signal_handler_disconnect(m_device.get(), m_controlLostHandler);
     m_controlLostHandler = 0;
     m_featureModule.reset();
-    m_nodeMap.reset();   // before the device: it reads through it
+    m_transportModule.reset();
+    m_transportNodeMap.reset();
+    m_streamModule.reset();
+    m_nodeMap.reset();   // before the device: they read through it
+    if (m_info->m_record.tlType == TL_USB)
+        OpenUsbDevices::Instance().Remove(m_info->m_record.aravisDeviceId);
     if (IsLost())
         LostDeviceTeardown::Instance().Add(std::shared_ptr<ArvDevice>(m_device.release(), GObjectUnref()));
     m_device.reset();
     if (m_info->m_record.simulated)
         m_info->m_record.simulated->CloseAccess();
     return SDK_OK;
+}
+
+IModule* AravisCamera::GetModule0()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_transportModule.get();
+}
+
+IModule* AravisCamera::GetModule4()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_streamModule ? m_streamModule->Module() : nullptr;
 }
 
 IModule* AravisCamera::GetModule3()
@@ -203,10 +230,13 @@ int AravisCamera::StartGrabbing(int, uint64_t)
         return SDK_ERROR;
     // Without root the default socket buffer loses almost every frame.
     if (ARV_IS_GV_STREAM(created))
-        g_object_set(created, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_AUTO, nullptr);
-    auto stream = std::make_shared<AcquisitionStream>(created, std::size_t(payload), kBufferPoolSize);
+        g_object_set(created, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_AUTO, "packet-resend",
+                     m_streamModule->PacketResend() ? ARV_GV_STREAM_PACKET_RESEND_ALWAYS : ARV_GV_STREAM_PACKET_RESEND_NEVER,
+                     nullptr);
+    auto stream = std::make_shared<AcquisitionStream>(created, std::size_t(payload), m_streamModule->BufferCount());
     if (!ExecuteCommand("AcquisitionStart"))
         return SDK_ERROR;
+    m_streamModule->Attach(stream);
     m_stream = std::move(stream);
     m_grabbing.store(true);
     MarkAlive();
@@ -227,6 +257,8 @@ void AravisCamera::StopStreamLocked()
 {
     if (!m_stream)
         return;
+    MarkLostUnlessAnsweringLocked();
+    m_streamModule->Detach();
     if (IsLost()) {
         LostDeviceTeardown::Instance().Add(std::move(m_stream));
     } else {
@@ -272,24 +304,49 @@ void AravisCamera::MarkAlive()
     m_lastAliveMs.store(SteadyNowMs());
 }
 
-bool AravisCamera::ProbeDevice()
+// A GigE Vision register read through Aravis queues behind its heartbeat, whose transaction to a
+// dead device retries for seconds; our own socket has a deadline of its own. Holding no reference
+// meanwhile, a GigE Vision probe never ends up running the device's teardown.
+AravisCamera::ProbeTarget AravisCamera::ProbeTargetLocked() const
 {
-    GObjectPtr<ArvDevice> device;
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        device = RefObject(m_device.get());
-    }
-    if (!device)
-        return true;   // closed meanwhile: nothing to probe
-    // A GigE Vision register read through Aravis queues behind its heartbeat, whose transaction to
-    // a dead device retries for seconds; our own socket has a deadline of its own.
-    if (ARV_IS_GV_DEVICE(device.get()))
-        return GvcpBootstrapReader::Answers(GigeDeviceAddress(device.get()));
+    ProbeTarget target;
+    if (ARV_IS_GV_DEVICE(m_device.get()))
+        target.gigeAddress = GigeDeviceAddress(m_device.get());
+    else
+        target.device = RefObject(m_device.get());
+    return target;
+}
+
+bool AravisCamera::Answers(const ProbeTarget& target)
+{
+    if (!target.device)
+        return GvcpBootstrapReader::Answers(target.gigeAddress);
     guint32 value = 0;
     GError* error = nullptr;
-    bool answered = arv_device_read_register(device.get(), kProbeRegister, &value, &error);
+    bool answered = arv_device_read_register(target.device.get(), kProbeRegister, &value, &error);
     g_clear_error(&error);
     return answered;
+}
+
+bool AravisCamera::ProbeDevice()
+{
+    ProbeTarget target;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_device)
+            return true;   // closed meanwhile: nothing to probe
+        target = ProbeTargetLocked();
+    }
+    return Answers(target);
+}
+
+// Stopping and closing talk to the device on the caller's thread. One that died since the watchdog
+// last looked would hold the caller for as long as Aravis retries, so it is asked first (a single
+// exchange with a live device) and, without an answer, let go like a lost one.
+void AravisCamera::MarkLostUnlessAnsweringLocked()
+{
+    if (!IsLost() && !Answers(ProbeTargetLocked()))
+        m_lost.store(true);
 }
 
 // Aravis's control-lost signal alone comes late (its heartbeat gives up after several seconds),

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "ZylSdk.h"
 #include "genapi/GenApi.h"
@@ -13,6 +14,7 @@
 #include "sdk/aravis/AravisCameraInfo.h"
 #include "sdk/aravis/AravisModule.h"
 #include "sdk/aravis/GObjectPtr.h"
+#include "sdk/aravis/StreamModule.h"
 
 namespace ZYLGENICAM {
 
@@ -20,10 +22,12 @@ class AravisCamera final : public ICamera {
 public:
     explicit AravisCamera(const AravisDeviceRecord& record);
 
-    // Buffers queued per acquisition.
+    // Buffers queued per acquisition unless module 4 asks for another count.
     static constexpr unsigned kBufferPoolSize = 16;
-    // A frame within this time proves the device alive without a register read.
-    static constexpr int64_t kAliveByFramesMs = 1000;
+    // A frame within this time proves the device alive without a register read. Short, so that a
+    // camera that stopped sending is asked at the watchdog's next look: a loss must be handled
+    // within about a second of the last frame.
+    static constexpr int64_t kAliveByFramesMs = 300;
 
     int Open(int accessMode) override;
     int Close() override;
@@ -31,11 +35,11 @@ public:
     bool IsConnected() override;
     bool IsGrabbing() override { return m_grabbing.load(); }
     ICameraInfo* GetDeviceInfo() override { return m_info; }
-    IModule* GetModule0() override { return nullptr; }
+    IModule* GetModule0() override;
     IModule* GetModule1() override { return nullptr; }
     IModule* GetModule2() override { return nullptr; }
     IModule* GetModule3() override;
-    IModule* GetModule4() override { return nullptr; }
+    IModule* GetModule4() override;
     int StartGrabbing(int mode, uint64_t frameLimit) override;
     int StopGrabbing() override;
     int GetImage(IImage*& image, uint64_t timeoutMs) override;
@@ -49,7 +53,15 @@ private:
     int CloseLocked();
     void StopStreamLocked();
     bool ExecuteCommand(const char* name);
+    // What a probe asks: a GigE Vision device's address, or a reference to any other device.
+    struct ProbeTarget {
+        std::string gigeAddress;
+        GObjectPtr<ArvDevice> device;
+    };
+    ProbeTarget ProbeTargetLocked() const;
+    static bool Answers(const ProbeTarget& target);
     bool ProbeDevice();
+    void MarkLostUnlessAnsweringLocked();
     bool IsLost() const;
     void MarkAlive();
 
@@ -58,6 +70,9 @@ private:
     GObjectPtr<ArvDevice> m_device;
     std::unique_ptr<GenApi_3_4::INodeMap> m_nodeMap;
     std::unique_ptr<AravisModule> m_featureModule;
+    std::unique_ptr<GenApi_3_4::INodeMap> m_transportNodeMap;   // GigE Vision only
+    std::unique_ptr<AravisModule> m_transportModule;
+    std::unique_ptr<StreamModule> m_streamModule;
     std::shared_ptr<AcquisitionStream> m_stream;
     // Written on Aravis's heartbeat thread; shared with the device so a late signal never touches a
     // freed camera.

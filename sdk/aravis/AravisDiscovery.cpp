@@ -2,13 +2,12 @@
 
 #include <arv.h>
 
-#include <algorithm>
-#include <cctype>
-#include <functional>
 #include <vector>
 
 #include "sdk/aravis/AravisCameraInfo.h"
 #include "sdk/aravis/GvcpBootstrapReader.h"
+#include "sdk/aravis/GvcpDiscovery.h"
+#include "sdk/aravis/OpenUsbDevices.h"
 #include "sdk/aravis/SimulatedCameraRegistry.h"
 #include "sdk/aravis/SimulatedIdentity.h"
 #include "sdk/aravis/SimulatedRegisters.h"
@@ -21,12 +20,6 @@ namespace {
 std::string Text(const char* text)
 {
     return text != nullptr ? text : "";
-}
-
-std::string UpperCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) { return char(std::toupper(c)); });
-    return text;
 }
 
 // Identity fields every Aravis interface lists.
@@ -50,59 +43,72 @@ std::mutex& InterfaceMutex()
     return mutex;
 }
 
+GObjectPtr<ArvDevice> OpenGigeDevice(const std::string& interfaceAddress, const std::string& deviceAddress)
+{
+    GObjectPtr<GInetAddress> local(g_inet_address_new_from_string(interfaceAddress.c_str()));
+    GObjectPtr<GInetAddress> remote(g_inet_address_new_from_string(deviceAddress.c_str()));
+    if (!local || !remote)
+        return nullptr;
+    GError* error = nullptr;
+    GObjectPtr<ArvDevice> device(arv_gv_device_new(local.get(), remote.get(), &error));
+    g_clear_error(&error);
+    return device;
+}
+
 namespace {
 
-// Refreshes one Aravis interface and lists its devices; addressFields adds what only that
-// transport knows while the interface is still locked.
-std::vector<AravisDeviceRecord> ListInterfaceDevices(
-    ArvInterface* (*interfaceInstance)(), int tlType,
-    const std::function<void(ArvInterface*, unsigned, AravisDeviceRecord&)>& addressFields)
+int GigeAccessStatus(const DiscoveredGigeDevice& device, const std::string& address)
 {
-    std::vector<AravisDeviceRecord> found;
-    std::lock_guard<std::mutex> lock(InterfaceMutex());
-    ArvInterface* transport = interfaceInstance();
-    arv_interface_update_device_list(transport);
-    unsigned count = arv_interface_get_n_devices(transport);
-    for (unsigned i = 0; i < count; ++i) {
-        AravisDeviceRecord record = InterfaceRecord(transport, i, tlType);
-        addressFields(transport, i, record);
-        found.push_back(std::move(record));
-    }
-    return found;
+    if (!device.ReachableByUnicast())
+        return ACCESS_NO_ACCESS;
+    bool controlled = false;
+    if (!GvcpBootstrapReader::ReadControlled(address, controlled))
+        return ACCESS_UNKNOWN;
+    return controlled ? ACCESS_BUSY : ACCESS_AVAILABLE;
 }
 
 } // namespace
 
+// Identity and addresses come from the discovery acknowledge, which reaches us from any subnet;
+// only whether another host controls the device needs a unicast read, and only a device in its
+// adapter's subnet can be asked (one outside it is listed as not accessible).
 void AppendGigeCameras(std::list<ICameraInfo*>& records)
 {
-    std::vector<AravisDeviceRecord> found = ListInterfaceDevices(
-        arv_gv_interface_get_instance, TL_GIGE, [](ArvInterface* gige, unsigned i, AravisDeviceRecord& record) {
-            record.ipAddress = Text(arv_interface_get_device_address(gige, i));
-            record.macAddress = UpperCase(Text(arv_interface_get_device_physical_id(gige, i)));
-        });
-    for (AravisDeviceRecord& record : found) {
-        GigeBootstrapInfo bootstrap;
-        if (GvcpBootstrapReader::Read(record.ipAddress, bootstrap)) {
-            record.subnetMask = bootstrap.subnetMask;
-            record.gateway = bootstrap.gateway;
-            record.userDefinedName = bootstrap.userDefinedName;
-            if (!bootstrap.deviceVersion.empty())
-                record.deviceVersion = bootstrap.deviceVersion;
-            record.hostInterfaceAddress = bootstrap.hostInterfaceAddress;
-            record.accessStatus = bootstrap.controlled ? ACCESS_BUSY : ACCESS_AVAILABLE;
-        }
+    for (const DiscoveredGigeDevice& device : GvcpDiscovery::Discover()) {
+        const Gvcp::DiscoveryData& data = device.data;
+        AravisDeviceRecord record;
+        record.tlType = TL_GIGE;
+        record.serialNumber = data.serialNumber;
+        record.modelName = data.model;
+        record.userDefinedName = data.userDefinedName;
+        record.vendorName = data.vendor;
+        record.deviceVersion = data.deviceVersion.empty() ? data.manufacturerInfo : data.deviceVersion;
+        record.ipAddress = Gvcp::AddressText(data.ip);
+        record.macAddress = Gvcp::MacText(data.mac);
+        record.subnetMask = Gvcp::AddressText(data.mask);
+        record.gateway = Gvcp::AddressText(data.gateway);
+        record.hostInterfaceAddress = Gvcp::AddressText(device.adapter.address);
+        record.accessStatus = GigeAccessStatus(device, record.ipAddress);
         records.push_back(new AravisCameraInfo(std::move(record)));
     }
 }
 
-// USB3 Vision lists no user-defined name without opening the device; such devices are listed by
-// model name, and an open device is always reported as available by Aravis.
+// USB3 Vision lists no user-defined name without opening the device: a device we have open is
+// named by what it holds now and is busy; others are listed by model name, as available.
 void AppendUsbCameras(std::list<ICameraInfo*>& records)
 {
-    std::vector<AravisDeviceRecord> found =
-        ListInterfaceDevices(arv_uv_interface_get_instance, TL_USB, [](ArvInterface*, unsigned, AravisDeviceRecord&) {});
+    std::vector<AravisDeviceRecord> found;
+    {
+        std::lock_guard<std::mutex> lock(InterfaceMutex());
+        ArvInterface* usb = arv_uv_interface_get_instance();
+        arv_interface_update_device_list(usb);
+        unsigned count = arv_interface_get_n_devices(usb);
+        for (unsigned i = 0; i < count; ++i)
+            found.push_back(InterfaceRecord(usb, i, TL_USB));
+    }
     for (AravisDeviceRecord& record : found) {
-        record.accessStatus = ACCESS_AVAILABLE;
+        bool ours = OpenUsbDevices::Instance().ReadUserDefinedName(record.aravisDeviceId, record.userDefinedName);
+        record.accessStatus = ours ? ACCESS_BUSY : ACCESS_AVAILABLE;
         records.push_back(new AravisCameraInfo(std::move(record)));
     }
 }

@@ -6,7 +6,7 @@
 #include "sdk/aravis/AravisCameraInfo.h"
 #include "sdk/aravis/AravisDiscovery.h"
 #include "sdk/aravis/GObjectPtr.h"
-#include "sdk/aravis/LostDeviceTeardown.h"
+#include "sdk/aravis/GvcpDiscovery.h"
 #include "sdk/aravis/SimulatedCameraRegistry.h"
 
 namespace ZYLGENICAM {
@@ -16,9 +16,10 @@ int Init()
     return SDK_OK;
 }
 
+// Lost devices still being let go are left to their worker: waiting here would hold the host's
+// shutdown for as long as Aravis retries a device that no longer answers.
 int UnInit()
 {
-    LostDeviceTeardown::Instance().Drain();
     SimulatedCameraRegistry::Instance().Clear();
     return SDK_OK;
 }
@@ -64,36 +65,71 @@ std::list<std::string> GetCLProtocols()
     return {};
 }
 
-// Aravis can only store a persistent address (applied at the device's next start); a temporary
-// (forced) address is not offered, so that request is refused.
+namespace {
+
+struct IpConfiguration {
+    uint32_t ip = 0;
+    uint32_t mask = 0;
+    uint32_t gateway = 0;
+};
+
+// Writes the persistent-IP registers and switches the device to persistent-IP configuration over
+// a unicast connection that takes control.
+int WritePersistentAddress(const DiscoveredGigeDevice& device, const IpConfiguration& wanted)
+{
+    GObjectPtr<ArvDevice> opened =
+        AravisDiscovery::OpenGigeDevice(Gvcp::AddressText(device.adapter.address), Gvcp::AddressText(device.data.ip));
+    if (!opened)
+        return SDK_ERROR;
+    auto* gv = ARV_GV_DEVICE(opened.get());
+    if (!arv_gv_device_is_controller(gv))
+        return SDK_ACCESS_DENIED;
+    GError* error = nullptr;
+    bool stored = arv_gv_device_set_persistent_ip_from_string(gv, Gvcp::AddressText(wanted.ip).c_str(),
+                                                              Gvcp::AddressText(wanted.mask).c_str(),
+                                                              Gvcp::AddressText(wanted.gateway).c_str(), &error) &&
+                  arv_gv_device_set_ip_configuration_mode(gv, ARV_GV_IP_CONFIGURATION_MODE_PERSISTENT_IP, &error);
+    g_clear_error(&error);
+    return stored ? SDK_OK : SDK_ERROR;
+}
+
+// A device unicast cannot reach gets its new address forced first; one that can is forced after
+// the write (which needs the old address), so it answers at the new address without a restart.
+int StorePersistentAddress(DiscoveredGigeDevice device, const IpConfiguration& wanted)
+{
+    bool forceFirst = !device.ReachableByUnicast();
+    if (forceFirst) {
+        int forced = GvcpDiscovery::ForceIp(device, wanted.ip, wanted.mask, wanted.gateway);
+        if (forced != SDK_OK)
+            return forced;
+        device.data.ip = wanted.ip;
+        if (!device.ReachableByUnicast())
+            return SDK_ERROR;
+    }
+    int stored = WritePersistentAddress(device, wanted);
+    if (stored != SDK_OK || forceFirst || device.data.ip == wanted.ip)
+        return stored;
+    return GvcpDiscovery::ForceIp(device, wanted.ip, wanted.mask, wanted.gateway);
+}
+
+} // namespace
+
+// persistent = false forces a temporary address (lost at the device's next restart); true stores
+// it as the device's persistent address and applies it at once. The device is found by a
+// discovery broadcast, so it may sit on a foreign subnet.
 int64_t SetCameraIP(const char* serialNumber, const char* ip, const char* mask, const char* gateway, bool persistent)
 {
-    if (serialNumber == nullptr || ip == nullptr || mask == nullptr || gateway == nullptr)
+    IpConfiguration wanted;
+    if (serialNumber == nullptr || ip == nullptr || mask == nullptr || gateway == nullptr ||
+        !Gvcp::ParseAddress(ip, wanted.ip) || !Gvcp::ParseAddress(mask, wanted.mask) ||
+        !Gvcp::ParseAddress(gateway, wanted.gateway))
         return SDK_INVALID_ARGUMENT;
-    if (!persistent)
+    std::optional<DiscoveredGigeDevice> device = GvcpDiscovery::FindBySerialNumber(serialNumber);
+    if (!device)
         return SDK_ERROR;
-    std::lock_guard<std::mutex> lock(AravisDiscovery::InterfaceMutex());
-    ArvInterface* gige = arv_gv_interface_get_instance();
-    arv_interface_update_device_list(gige);
-    unsigned count = arv_interface_get_n_devices(gige);
-    for (unsigned i = 0; i < count; ++i) {
-        const char* serial = arv_interface_get_device_serial_nbr(gige, i);
-        if (serial == nullptr || std::string(serial) != serialNumber)
-            continue;
-        GError* error = nullptr;
-        GObjectPtr<ArvDevice> device(arv_interface_open_device(gige, arv_interface_get_device_id(gige, i), &error));
-        g_clear_error(&error);
-        if (!device || !ARV_IS_GV_DEVICE(device.get()))
-            return SDK_ERROR;
-        auto* gv = ARV_GV_DEVICE(device.get());
-        if (!arv_gv_device_is_controller(gv))
-            return SDK_ACCESS_DENIED;
-        bool stored = arv_gv_device_set_persistent_ip_from_string(gv, ip, mask, gateway, &error)
-            && arv_gv_device_set_ip_configuration_mode(gv, ARV_GV_IP_CONFIGURATION_MODE_PERSISTENT_IP, &error);
-        g_clear_error(&error);
-        return stored ? SDK_OK : SDK_ERROR;
-    }
-    return SDK_ERROR;
+    if (!persistent)
+        return GvcpDiscovery::ForceIp(*device, wanted.ip, wanted.mask, wanted.gateway);
+    return StorePersistentAddress(*device, wanted);
 }
 
 } // namespace ZYLGENICAM

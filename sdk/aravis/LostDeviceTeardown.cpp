@@ -1,16 +1,13 @@
 #include "sdk/aravis/LostDeviceTeardown.h"
 
+#include <thread>
+
 namespace ZYLGENICAM {
 
 LostDeviceTeardown& LostDeviceTeardown::Instance()
 {
-    static LostDeviceTeardown instance;
-    return instance;
-}
-
-LostDeviceTeardown::~LostDeviceTeardown()
-{
-    Drain();
+    static LostDeviceTeardown* const instance = new LostDeviceTeardown;
+    return *instance;
 }
 
 void LostDeviceTeardown::Add(std::shared_ptr<void> doomed)
@@ -21,11 +18,8 @@ void LostDeviceTeardown::Add(std::shared_ptr<void> doomed)
     m_doomed.push_back(std::move(doomed));
     if (m_workerRunning)
         return;
-    // A worker that ended on its own is joined here; it touches nothing after clearing its flag.
-    if (m_worker.joinable())
-        m_worker.join();
     m_workerRunning = true;
-    m_worker = std::thread([this] { Run(); });
+    std::thread([this] { Run(); }).detach();
 }
 
 void LostDeviceTeardown::Run()
@@ -44,14 +38,8 @@ void LostDeviceTeardown::Run()
 
 void LostDeviceTeardown::Drain()
 {
-    std::thread finished;
-    {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_idle.wait(lock, [this] { return !m_workerRunning; });
-        finished = std::move(m_worker);
-    }
-    if (finished.joinable())
-        finished.join();
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_idle.wait(lock, [this] { return !m_workerRunning; });
 }
 
 } // namespace ZYLGENICAM

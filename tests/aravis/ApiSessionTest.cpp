@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -30,6 +32,7 @@ using ::testing::Not;
 namespace {
 
 const std::string AreaCamera = "SimArea(SIM-AREA-01)";
+const std::string ShowModeCamera = "SimShowMode(SIM-SL-01)";
 constexpr unsigned long long SimulatedTransport = 8;
 
 // What a viewer keeps of the library's events; frames are checked and
@@ -102,6 +105,32 @@ private:
     std::vector<std::uint64_t> m_frameWidths;
     int m_statisticsFromGrab = 0;
 };
+
+// A viewer that releases every frame and notes any call that comes after it was told a camera
+// closed or the library shut down.
+class QuittingViewer : public IImageUpdate {
+public:
+    void OnImageUpdate(std::string key, void* image, int, int) override
+    {
+        if (quit.load() || (key == ShowModeCamera && showModeClosed.load())) {
+            ++lateCalls;
+        }
+        if (image != nullptr) {
+            static_cast<ZYLGENICAM::IImage*>(image)->Release();
+            ++frames;
+        }
+    }
+
+    std::atomic<bool> showModeClosed{false};
+    std::atomic<bool> quit{false};
+    std::atomic<int> lateCalls{0};
+    std::atomic<std::uint64_t> frames{0};
+};
+
+double SecondsSince(std::chrono::steady_clock::time_point start)
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
 
 class ApiSession : public ::testing::Test {
 protected:
@@ -178,6 +207,61 @@ TEST_F(ApiSession, AHostListsOpensConfiguresGrabsAndClosesTheAreaCamera)
     EXPECT_EQ(0, UnInit());
 
     EXPECT_THAT(ReadTextFile(SettingsFile()), HasSubstr("ImageFileSavePrefix = SESSION"));
+}
+
+// A viewer that quits (or closes a camera) without stopping the grab first.
+TEST_F(ApiSession, CloseCameraAndUnInitWhileGrabbingStopAtOnceAndInitWorksAgain)
+{
+    StartHere();
+    ListSimulatedCameras();
+    QuittingViewer viewer;
+    ASSERT_EQ(0, RegisterImageUpdateListener(AreaCamera, &viewer));
+    for (const std::string& id : {AreaCamera, ShowModeCamera}) {
+        ASSERT_EQ(0, OpenCamera(id));
+        ASSERT_EQ(0, StartGrab(id));
+    }
+    ASSERT_TRUE(SessionHost::WaitUntil([&] { return viewer.frames.load() >= 5; }));
+
+    auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, CloseCamera(ShowModeCamera));
+    const double closeSeconds = SecondsSince(start);
+    viewer.showModeClosed = true;
+    start = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, UnInit());
+    const double unInitSeconds = SecondsSince(start);
+    viewer.quit = true;
+    std::printf("while grabbing: CloseCamera %.3f s, UnInit %.3f s\n", closeSeconds, unInitSeconds);
+    EXPECT_LT(closeSeconds, 1.0);
+    EXPECT_LT(unInitSeconds, 1.0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_EQ(0, viewer.lateCalls.load());
+
+    viewer.quit = false;
+    const std::uint64_t framesBefore = viewer.frames.load();
+    ASSERT_EQ(-1, Init());
+    ListSimulatedCameras();
+    ASSERT_TRUE(SessionHost::WaitUntil([] { return !GetCameraInfo(AreaCamera, CAM_NAME).empty(); }));
+    ASSERT_EQ(0, RegisterImageUpdateListener(AreaCamera, &viewer));
+    ASSERT_EQ(0, OpenCamera(AreaCamera));
+    ASSERT_EQ(0, StartGrab(AreaCamera));
+    EXPECT_TRUE(SessionHost::WaitUntil([&] { return viewer.frames.load() >= framesBefore + 3; }));
+    EXPECT_EQ(0, UnInit());
+}
+
+// An opened simulated camera is recognised by the next discovery whatever its name.
+TEST_F(ApiSession, ARenamedOpenCameraKeepsItsSingleEntry)
+{
+    StartHere();
+    ListSimulatedCameras();
+    ASSERT_EQ(0, OpenCamera(AreaCamera));
+    ASSERT_EQ(0, SetCameraNodeValue(AreaCamera, "DeviceUserID", "Renamed"));
+    ASSERT_EQ(0, RefreshCameraList(static_cast<int>(SimulatedTransport)));
+    EXPECT_TRUE(SessionHost::WaitUntil([] { return GetCameraInfo(AreaCamera, CAM_NAME) == "Renamed(SIM-AREA-01)"; }))
+        << "the open camera is recognised under its new name";
+    const auto cameras = host.Cameras();
+    EXPECT_EQ(1, std::count_if(cameras.begin(), cameras.end(),
+                               [](const std::string& id) { return id.find("SIM-AREA-01") != std::string::npos; }));
+    EXPECT_EQ(0, UnInit());
 }
 
 TEST_F(ApiSession, ShutdownCreatesNoSettingsFile)

@@ -219,7 +219,11 @@ TEST_F(SdkSimulatedCameraTest, HeldFramesEmptyThePoolUntilReleased)
     ICamera* camera = OpenBySerial("SIM-AREA-01");
     ASSERT_NE(camera, nullptr);
     MakeSmallAndFast(camera);
-    ASSERT_EQ(camera->StartGrabbing(0, 4294967295u), SDK_OK);
+    ASSERT_NE(camera->GetModule4(), nullptr);
+    GenApi::INodeMap* stream = camera->GetModule4()->GetNodeMap();
+    auto counter = [stream](const char* name) { return GenApi::CIntegerPtr(stream->GetNode(name))->GetValue(); };
+    GenApi::CIntegerPtr(stream->GetNode("StreamBufferCount"))->SetValue(4);
+    ASSERT_EQ(camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
     std::vector<IImage*> held;
     IImage* image = nullptr;
     int result = camera->GetImage(image, kWaitMs);
@@ -229,7 +233,10 @@ TEST_F(SdkSimulatedCameraTest, HeldFramesEmptyThePoolUntilReleased)
     }
     EXPECT_EQ(result, SDK_TIMEOUT);
     EXPECT_EQ(image, nullptr);
-    ASSERT_GE(held.size(), 16u);
+    ASSERT_EQ(held.size(), 4u) << "the pool holds the buffer count module 4 asked for";
+    EXPECT_GE(counter("StreamCompletedBuffers"), 4);
+    EXPECT_GT(counter("StreamUnderrunBuffers"), 0) << "frames came while every buffer was held";
+    EXPECT_EQ(counter("StreamFailedBuffers"), 0);
     held.back()->Release();
     held.pop_back();
     EXPECT_EQ(camera->GetImage(image, kWaitMs), SDK_OK);

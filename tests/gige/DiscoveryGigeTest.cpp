@@ -1,19 +1,22 @@
-// The real discovery pass against a simulated GigE Vision camera in its own
-// process on 127.0.0.1, inside this program's private network namespace:
-// listed, opened by its identifier and streamed like any camera.
+// The real discovery pass inside this program's private network namespace: a simulated GigE
+// Vision camera in its own process is listed, opened by its identifier and streamed like any
+// camera; a camera on a foreign subnet (a GVCP responder behind a veth) is listed under the
+// adapter that heard it and gets its address forced.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "ZylSdk.h"
 #include "device/DeviceManager.h"
-#include "support/common/ApplicationDirectoryScope.h"
-#include "support/common/DeviceEventRecorder.h"
+#include "support/common/CameraLogRecorder.h"
 #include "support/common/DeviceFakeGigeOnVeth.h"
 #include "support/common/FakeGigeCamera.h"
-#include "support/common/TempDirectory.h"
+#include "support/common/GigeDiscoveryStage.h"
+#include "support/common/GvcpResponderOnVeth.h"
 
 extern bool g_privateNetworkNamespace;
 extern std::string g_privateNetworkNamespaceFailure;
@@ -21,17 +24,6 @@ extern std::string g_privateNetworkNamespaceFailure;
 using Events = DeviceEventRecorder::Events;
 
 namespace {
-
-// The identifier of the listed camera whose serial number is given, or empty.
-std::string ListedIdentifier(const Events& events, const std::string& serialNumber)
-{
-    std::vector<std::string> keys = events.LastWholeList().second;
-    auto found = std::find_if(keys.begin(), keys.end(), [&](const std::string& key) {
-        const std::string suffix = "(" + serialNumber + ")";
-        return key.size() > suffix.size() && key.compare(key.size() - suffix.size(), suffix.size(), suffix) == 0;
-    });
-    return found == keys.end() ? std::string() : *found;
-}
 
 class DiscoveryGige : public ::testing::Test {
 protected:
@@ -42,32 +34,28 @@ protected:
     }
 };
 
-// The library side of a test, set up once its camera is running: the camera SDK, the device
-// manager looking for GigE cameras only, an event recorder and a temporary application
-// directory. Released when the test ends.
-class GigeDiscoveryStage {
-public:
-    GigeDiscoveryStage()
-    {
-        ZYLGENICAM::Init();
-        manager = DeviceManager::getInstance();
-        m_applicationDirectory = std::make_unique<ApplicationDirectoryScope>(m_directory.Path());
-        manager->SetTLTypeList(ZYLGENICAM::TL_GIGE);
-    }
-    ~GigeDiscoveryStage()
-    {
-        manager->Release();
-        ZYLGENICAM::UnInit();
-    }
-    GigeDiscoveryStage(const GigeDiscoveryStage&) = delete;
-    GigeDiscoveryStage& operator=(const GigeDiscoveryStage&) = delete;
+const uint8_t kForeignMac[6] = { 0x02, 0x00, 0x00, 0x77, 0x00, 0x05 };
 
-    DeviceEventRecorder events;
-    DeviceManager* manager = nullptr;
+// A camera at 10.99.0.5/24 behind the adapter 192.168.77.1/24, listed by a GigE discovery pass.
+class ForeignSubnetGige : public DiscoveryGige {
+protected:
+    // Sets id to the listed identifier; skips the test when the link could not be built.
+    void StartAndList(bool acknowledgesForceIp)
+    {
+        GvcpResponderOnVeth::Identity identity { "VB3FAR", "Responder", "Far", {}, "10.99.0.5", "255.255.255.0",
+                                                 "10.99.0.1" };
+        std::copy(kForeignMac, kForeignMac + 6, identity.mac);
+        camera = std::make_unique<GvcpResponderOnVeth>(identity, acknowledgesForceIp);
+        std::string failure;
+        if (!camera->Start(failure))
+            GTEST_SKIP() << failure;
+        stage = std::make_unique<GigeDiscoveryStage>();
+        id = stage->WaitForListed(identity.serialNumber);
+    }
 
-private:
-    TempDirectory m_directory;
-    std::unique_ptr<ApplicationDirectoryScope> m_applicationDirectory;
+    std::string id;
+    std::unique_ptr<GvcpResponderOnVeth> camera;
+    std::unique_ptr<GigeDiscoveryStage> stage;   // goes before the camera
 };
 
 } // namespace
@@ -113,14 +101,7 @@ TEST_F(DiscoveryGige, CameraBehindAVethIsAttachedToThatAdapter)
     DeviceManager* manager = stage.manager;
     DeviceEventRecorder& events = stage.events;
 
-    std::string id;
-    for (int attempt = 0; attempt < 10 && id.empty(); ++attempt) {
-        std::size_t lists = events.Snapshot().WholeLists();
-        manager->RefreshDeviceList(ZYLGENICAM::TL_GIGE);
-        ASSERT_TRUE(events.WaitUntil([lists](const Events& seen) { return seen.WholeLists() > lists; },
-                                     std::chrono::seconds(20)));
-        id = ListedIdentifier(events.Snapshot(), device.SerialNumber());
-    }
+    std::string id = stage.WaitForListed(device.SerialNumber());
     ASSERT_FALSE(id.empty()) << "the pass never listed the camera";
     EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_IP), DeviceFakeGigeOnVeth::CAMERA_ADDRESS);
     EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_LIST_KEY), DeviceFakeGigeOnVeth::ADAPTER_KEY);
@@ -133,4 +114,52 @@ TEST_F(DiscoveryGige, CameraBehindAVethIsAttachedToThatAdapter)
     EXPECT_TRUE(events.WaitUntil([](const Events& seen) { return seen.images >= 3; }, std::chrono::seconds(20)))
         << "no frames arrived";
     EXPECT_EQ(manager->CloseCamera(id), 0);
+}
+
+TEST_F(ForeignSubnetGige, CameraIsListedUnderItsAdapterAndGetsAForcedAddress)
+{
+    StartAndList(true);
+    if (IsSkipped())
+        return;
+    DeviceManager* manager = stage->manager;
+    ASSERT_EQ(id, "Far(VB3FAR)") << "named by the user-defined name of its discovery acknowledge";
+    EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_LIST_KEY), GvcpResponderOnVeth::ADAPTER_KEY);
+    EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_SAME_SEGMENT), "0");
+    EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_IP), "10.99.0.5");
+    EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_MASK), "255.255.255.0");
+    EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_MAC), "02:00:00:77:00:05");
+    EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_MODEL_NAME), "Responder");
+
+    EXPECT_EQ(manager->ModifyCameraIP(id, "192.168.77.50", "255.255.255.0", "192.168.77.1", false), 0);
+    std::vector<GvcpResponderOnVeth::ForceIp> commands = camera->ForceIpCommands();
+    ASSERT_EQ(commands.size(), 1u);
+    EXPECT_EQ(commands[0].flags & 0x01, 0x01) << "acknowledge required";
+    EXPECT_EQ(commands[0].code, 0x0004);
+    EXPECT_EQ(commands[0].length, 56);
+    EXPECT_TRUE(std::equal(kForeignMac, kForeignMac + 6, commands[0].mac));
+    EXPECT_EQ(commands[0].ip, "192.168.77.50");
+    EXPECT_EQ(commands[0].mask, "255.255.255.0");
+    EXPECT_EQ(commands[0].gateway, "192.168.77.1");
+    EXPECT_TRUE(stage->events.WaitUntil(
+        [&](const Events&) { return manager->GetCameraInfo(id, ViewerBiz3::CAM_IP) == "192.168.77.50"; },
+        std::chrono::seconds(20)))
+        << "the list is refreshed with the new address";
+    EXPECT_EQ(manager->GetCameraInfo(id, ViewerBiz3::CAM_SAME_SEGMENT), "1");
+}
+
+TEST_F(ForeignSubnetGige, UnansweredForceIpFailsWithinTheGvcpTimeoutAndIsLogged)
+{
+    StartAndList(false);
+    if (IsSkipped())
+        return;
+    ASSERT_FALSE(id.empty());
+    CameraLogRecorder log;
+    auto started = std::chrono::steady_clock::now();
+    EXPECT_EQ(stage->manager->ModifyCameraIP(id, "192.168.77.50", "255.255.255.0", "192.168.77.1", false), -11);
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(4))
+        << "one discovery window and four GVCP attempts of 250 ms";
+    EXPECT_EQ(camera->ForceIpCommands().size(), 4u);
+    EXPECT_EQ(log.Count("Set camera ip failed, ip = 192.168.77.50, mask = 255.255.255.0, gateway = 192.168.77.1, "
+                        "ret = -11"),
+              1u);
 }

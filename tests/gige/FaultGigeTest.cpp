@@ -113,9 +113,11 @@ bool IsOpened(const std::string& id)
 // The library grabbing from one simulated GigE Vision camera in its own process.
 class FaultGige : public ::testing::Test {
 protected:
-    // Two watchdog periods, the probe's deadline and slack for a loaded machine; Aravis's own
-    // control-lost signal comes after about 5.9 s.
+    // A silent camera costs the watchdog's period, the frames' alive window and the probe's
+    // deadline, plus slack for a loaded machine; Aravis's own control-lost signal comes after
+    // about 5.9 s. A killed camera is refused at once and must be handled within 1.2 s.
     static constexpr double kNoticeDeadlineSeconds = 4.5;
+    static constexpr double kKilledHandledDeadlineSeconds = 1.2;
 
     void SetUp() override
     {
@@ -158,7 +160,7 @@ protected:
 
     // From the fault on: "Camera is lost." is logged within the deadline and the camera leaves
     // the opened cameras.
-    void ExpectLossNoticedAndCameraDropped(const char* fault)
+    void ExpectLossNoticedAndCameraDropped(const char* fault, double deadlineSeconds = kNoticeDeadlineSeconds)
     {
         const auto start = std::chrono::steady_clock::now();
         const auto secondsSinceStart = [&] {
@@ -169,9 +171,10 @@ protected:
         const double noticedAfter = secondsSinceStart();
         ASSERT_TRUE(WaitFor([&] { return !IsOpened(m_id); }, std::chrono::seconds(15)))
             << fault << ": the camera is still open after 15 s";
-        std::printf("%s: loss noticed after %.1f s, camera dropped after %.1f s\n", fault, noticedAfter,
-            secondsSinceStart());
-        EXPECT_LT(noticedAfter, kNoticeDeadlineSeconds) << fault;
+        const double droppedAfter = secondsSinceStart();
+        std::printf("%s: loss noticed after %.2f s, camera dropped after %.2f s\n", fault, noticedAfter,
+            droppedAfter);
+        EXPECT_LT(droppedAfter, deadlineSeconds) << fault;
     }
 
     // Refreshes until the camera is in the device list again.
@@ -203,7 +206,7 @@ TEST_F(FaultGige, AKilledCameraProcessIsNoticedDroppedAndListedAgainWhenBack)
     ASSERT_EQ(0, StartGrab(SimulatedAreaCamera));
 
     m_process.Kill();
-    ASSERT_NO_FATAL_FAILURE(ExpectLossNoticedAndCameraDropped("killed camera process"));
+    ASSERT_NO_FATAL_FAILURE(ExpectLossNoticedAndCameraDropped("killed camera process", kKilledHandledDeadlineSeconds));
     const std::uint64_t otherCameraFrames = m_frames.Of(SimulatedAreaCamera);
     EXPECT_TRUE(WaitFor([&] { return m_frames.Of(SimulatedAreaCamera) >= otherCameraFrames + 3; },
         std::chrono::seconds(10)))
@@ -222,6 +225,30 @@ TEST_F(FaultGige, AKilledCameraProcessIsNoticedDroppedAndListedAgainWhenBack)
     EXPECT_TRUE(ListedAgain()) << "the restarted camera is listed again";
     EXPECT_EQ(0, OpenCamera(m_id));
     EXPECT_EQ(0, CloseCamera(m_id));
+}
+
+// A viewer that quits right after a cable pull does not wait for Aravis to give up on the device,
+// whether the watchdog noticed the loss already or not.
+TEST_F(FaultGige, UnInitRightAfterALossReturnsAtOnce)
+{
+    m_process.Kill();
+    auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, CloseCamera(m_id));
+    const double closeSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    ASSERT_TRUE(m_process.Start());
+    ASSERT_TRUE(ListedAgain());
+    ASSERT_EQ(0, OpenCamera(m_id));
+    ASSERT_EQ(0, StartGrab(m_id));
+
+    m_process.Kill();
+    ASSERT_NO_FATAL_FAILURE(ExpectLossNoticedAndCameraDropped("killed camera process", kKilledHandledDeadlineSeconds));
+    start = std::chrono::steady_clock::now();
+    EXPECT_EQ(0, UnInit());
+    m_initialized = false;
+    const double unInitSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::printf("right after the kill: CloseCamera %.2f s; after the loss: UnInit %.2f s\n", closeSeconds, unInitSeconds);
+    EXPECT_LT(closeSeconds, 1.0);
+    EXPECT_LT(unInitSeconds, 1.0);
 }
 
 // A camera that stops answering without a word (a pulled cable) is found out by the watchdog's own

@@ -2,6 +2,7 @@
 // 127.0.0.1, inside this program's private network namespace.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <regex>
 #include <string>
@@ -181,13 +182,44 @@ TEST_F(SdkGigeTest, OpenCameraIsConfiguredStreamsAndIsReportedLostWhenItsProcess
     EXPECT_EQ(camera->Close(), SDK_OK);
 }
 
-TEST_F(SdkGigeTest, SetCameraIpStoresAPersistentAddressOnly)
+// arv-fake-gv-camera-0.8 keeps the persistent-IP registers and configuration bit (as plain
+// memory) but knows no FORCEIP: the temporary address goes unanswered. Module 0 reads them back;
+// module 4 reads the stream's packet settings.
+TEST_F(SdkGigeTest, SetCameraIpStoresThePersistentAddressAndTheSimulatorLeavesForceIpUnanswered)
 {
     const std::string serial = m_device.SerialNumber();
-    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_OK);
-    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", false), SDK_ERROR);
+    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "127.0.0.254", true), SDK_OK);
+    ICamera* camera = CreateOurCamera();
+    ASSERT_NE(camera, nullptr);
+    ASSERT_EQ(camera->Open(0), SDK_OK);
+    ASSERT_NE(camera->GetModule0(), nullptr);
+    GenApi::INodeMap* transport = camera->GetModule0()->GetNodeMap();
+    auto integer = [transport](const char* name) {
+        GenApi::CIntegerPtr node = transport->GetNode(name);
+        return node->GetValue();
+    };
+    EXPECT_EQ(integer("GevPersistentIPAddress"), 0x7f000001);
+    EXPECT_EQ(integer("GevPersistentSubnetMask"), 0xff000000);
+    EXPECT_EQ(integer("GevPersistentDefaultGateway"), 0x7f0000fe);
+    EXPECT_EQ(integer("GevCurrentIPAddress"), 0x7f000001);
+    bool found = false;
+    std::string mac = DiscoverOurCamera(found).mac;
+    mac.erase(std::remove(mac.begin(), mac.end(), ':'), mac.end());
+    EXPECT_EQ(integer("GevMACAddress"), int64_t(std::stoull(mac, nullptr, 16))) << "as discovery states it";
+    GenApi::CBooleanPtr persistentConfiguration = transport->GetNode("GevCurrentIPConfigurationPersistentIP");
+    EXPECT_TRUE(persistentConfiguration->GetValue());
+    GenApi::CEnumerationPtr access = transport->GetNode("GevCCP");
+    EXPECT_NE(access->ToString(), "OpenAccess") << "we hold control";
+    ASSERT_NE(camera->GetModule4(), nullptr);
+    GenApi::INodeMap* stream = camera->GetModule4()->GetNodeMap();
+    EXPECT_EQ(GenApi::CIntegerPtr(stream->GetNode("StreamPacketSize"))->GetValue(), 1400) << "the simulator's";
+    EXPECT_EQ(GenApi::CEnumerationPtr(stream->GetNode("StreamPacketResend"))->ToString(), "Always");
+    ASSERT_EQ(camera->Close(), SDK_OK);
+
+    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", false), SDK_TIMEOUT);
     EXPECT_EQ(SetCameraIP("NO-SUCH-SERIAL", "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_ERROR);
     EXPECT_EQ(SetCameraIP(nullptr, "127.0.0.1", "255.0.0.0", "0.0.0.0", true), SDK_INVALID_ARGUMENT);
+    EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.300", "255.0.0.0", "0.0.0.0", false), SDK_INVALID_ARGUMENT);
 }
 
 } // namespace

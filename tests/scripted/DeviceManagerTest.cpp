@@ -151,7 +151,26 @@ TEST_F(DeviceManagerTest, FrameLimitFollowsTheAcquisitionMode)
     ASSERT_EQ(Manager().SetCameraNodeValue("Multi(M1)", "AcquisitionMode", "SingleFrame"), 0);
     EXPECT_EQ(startAndReadLimit(), 1u);
     ASSERT_EQ(Manager().SetCameraNodeValue("Multi(M1)", "AcquisitionMode", "Continuous"), 0);
-    EXPECT_EQ(startAndReadLimit(), ~0ULL);
+    EXPECT_EQ(startAndReadLimit(), ZYLGENICAM::NO_FRAME_LIMIT);
+}
+
+TEST_F(DeviceManagerTest, FrameCountThatIsNoNumberMeansNoLimitAndIsLogged)
+{
+    Scripted::DeviceDescription description = DeviceScripted::GigECamera("S1", "Text", "169.254.10.22", "02:00:00:00:00:02");
+    std::string& xml = description.moduleXml[3];
+    std::size_t begin = xml.find("<Integer Name=\"AcquisitionFrameCount\"");
+    ASSERT_NE(begin, std::string::npos);
+    std::size_t end = xml.find("</Integer>", begin) + std::string("</Integer>").size();
+    xml.replace(begin, end - begin, "<String Name=\"AcquisitionFrameCount\"><Value>Unlimited</Value></String>");
+    auto& device = Scripted::ScriptedSdk::Instance().AddDevice(description);
+    Discover({"Text(S1)"});
+    ASSERT_EQ(Manager().OpenCamera("Text(S1)"), 0);
+    ASSERT_EQ(Manager().SetCameraNodeValue("Text(S1)", "AcquisitionMode", "MultiFrame"), 0);
+    CameraLogRecorder log;
+    ASSERT_EQ(Manager().StartGrab("Text(S1)"), 0);
+    EXPECT_EQ(device.Counters().lastFrameLimit, ZYLGENICAM::NO_FRAME_LIMIT);
+    EXPECT_EQ(log.Count("AcquisitionFrameCount \"Unlimited\" is no number"), 1u);
+    Manager().StopGrab("Text(S1)");
 }
 
 TEST_F(DeviceManagerTest, FocusEndsFalseOnTheNewHolderAndIsAnnouncedOnce)

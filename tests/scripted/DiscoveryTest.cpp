@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "device/DeviceManager.h"
+#include "support/common/CameraTestHost.h"
 #include "support/common/DeviceScriptedDevices.h"
 #include "support/common/DeviceTestBench.h"
 #include "support/common/ScriptedDeviceManagerTest.h"
@@ -151,7 +152,7 @@ TEST_F(DiscoveryTest, RenamedOpenedGigECameraKeepsItsKey)
     EXPECT_EQ(bench.Events().Snapshot().cameraIds.size(), 1u) << "announced once";
 }
 
-TEST_F(DiscoveryTest, RenamedOpenedUsbCameraIsReKeyed)
+TEST_F(DiscoveryTest, RenamedOpenedUsbCameraIsReKeyedAndRemovedWhenLost)
 {
     auto& device = AddUsbCamera("U1", "Old");
     Pass();
@@ -166,8 +167,10 @@ TEST_F(DiscoveryTest, RenamedOpenedUsbCameraIsReKeyed)
     // The list of the pass that saw the rename was copied before it; the next one carries the new key.
     EXPECT_EQ(list.second, std::vector<std::string>{"Old(U1)"});
     EXPECT_EQ(Pass().second, std::vector<std::string>{"New(U1)"});
-    EXPECT_EQ(Manager().CloseCamera("New(U1)"), 0);
-    EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
+    device.Lose();
+    EXPECT_TRUE(CameraTestHost::WaitUntil([this] { return Manager().GetOpenedCameraIds().empty(); }))
+        << "the lost camera is found though it reports the key it was opened with";
+    EXPECT_EQ(Info("New(U1)", ViewerBiz3::CAM_NAME), "");
 }
 
 TEST_F(DiscoveryTest, ClosingACameraMakesTheNextWakeUpRunTwoPasses)

@@ -7,8 +7,10 @@
 
 #include <chrono>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "ViewerBiz3.h"
 #include "log/Log.h"
@@ -56,6 +58,35 @@ Scripted::ScriptedDevice& OnlyCamera()
     Scripted::ScriptedSdk::Instance().Reset();
     return Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
 }
+
+// A recorder that keeps the frames it gets until told to let them go.
+class HoldingViewer final : public IImageUpdate {
+public:
+    void OnImageUpdate(std::string, void* image, int, int) override
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (image != nullptr) {
+            m_held.push_back(static_cast<ZYLGENICAM::IImage*>(image));
+        }
+    }
+    std::size_t Held() const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_held.size();
+    }
+    void ReleaseAll()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        for (ZYLGENICAM::IImage* image : m_held) {
+            image->Release();
+        }
+        m_held.clear();
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::vector<ZYLGENICAM::IImage*> m_held;
+};
 
 class FaultInjection : public ::testing::Test {
 protected:
@@ -193,6 +224,30 @@ TEST_F(FaultInjection, ReadErrorsAndIncompleteFramesDoNotStopTheGrab)
     EXPECT_GT(sink.frames.load(), 0u);
 }
 
+// A frame goes back to the SDK once every image listener released it: at once with none, only
+// after the slowest with two.
+TEST_F(FaultInjection, AFrameGoesBackAfterTheLastOfItsListenersReleasedIt)
+{
+    ListCamera();
+    ASSERT_EQ(0, OpenCamera(CameraId));
+    HoldingViewer recorder;
+    ASSERT_EQ(0, RegisterImageUpdateListener(CameraId, &recorder));
+    GrabSomeFrames();
+    EXPECT_EQ(0, StopGrab(CameraId));
+    EXPECT_EQ(recorder.Held(), camera.Counters().ImagesOutstanding()) << "the live view's release is not the last";
+    recorder.ReleaseAll();
+    EXPECT_EQ(0u, camera.Counters().ImagesOutstanding());
+
+    ASSERT_EQ(0, UnRegisterImageUpdateListener(CameraId, &recorder));
+    ASSERT_EQ(0, UnRegisterImageUpdateListener(CameraId, &sink));
+    const std::uint64_t handedOut = camera.Counters().imagesHandedOut;
+    ASSERT_EQ(0, StartGrab(CameraId));
+    EXPECT_TRUE(camera.WaitUntil([&](const Scripted::DeviceCounters& c) { return c.imagesHandedOut >= handedOut + 20; }));
+    EXPECT_LE(camera.Counters().ImagesOutstanding(), 3u) << "with nobody watching, frames go back at once";
+    EXPECT_EQ(0, CloseCamera(CameraId));
+    ExpectClosedAndReleased();
+}
+
 TEST_F(FaultInjection, AFailedStopStillEndsTheGrabForTheHostAndCloseRecovers)
 {
     ListCamera();
@@ -259,10 +314,14 @@ TEST_F(FaultInjection, ALostCameraIsRemovedOnceAndItsReplacementOpens)
     ASSERT_EQ(0, OpenCamera(CameraId));
     GrabSomeFrames();
 
+    const std::uint64_t readsBefore = camera.Counters().getImageCalls;
+    const auto lostAt = std::chrono::steady_clock::now();
     camera.Lose();
     camera.SetPresent(false);
 
     EXPECT_TRUE(WaitFor([] { return !IsOpened(CameraId); })) << "the loss is noticed";
+    EXPECT_LT(std::chrono::steady_clock::now() - lostAt, std::chrono::milliseconds(1200)) << "handled at once";
+    EXPECT_LT(camera.Counters().getImageCalls - readsBefore, 10u) << "a device that is gone is not read in a spin";
     EXPECT_TRUE(camera.WaitUntil([](const Scripted::DeviceCounters& c) { return c.ImagesOutstanding() == 0; }));
     EXPECT_TRUE(WaitFor([&] { return logger.lossLines.load() >= 1; }));
     std::this_thread::sleep_for(std::chrono::milliseconds(1500));

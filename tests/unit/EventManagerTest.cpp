@@ -496,6 +496,51 @@ TEST(ListenerConcurrency, NotificationsFromSeveralThreadsAllArrive)
     EXPECT_EQ(0, second.m_overlaps);
 }
 
+// A viewer may show or hide a view while cameras grab: the frame-path lists change under running
+// notifications, and a listener whose unregister call returned is never called again.
+TEST(ListenerConcurrency, FramePathListsChangeWhileNotifiedAndUnregisterIsFinal)
+{
+    class GuardedListener : public IImageUpdate, public IAcqStatisticUpdate {
+    public:
+        void OnImageUpdate(std::string, void*, int, int) override { Check(); }
+        void OnAcqStatisticUpdate(std::string, bool) override { Check(); }
+        void Check()
+        {
+            if (!m_registered.load()) {
+                m_lateCalls++;
+            }
+            std::this_thread::yield();
+        }
+        std::atomic<bool> m_registered{false};
+        std::atomic<int> m_lateCalls{0};
+    } listener;
+    EventManager events;
+    std::atomic<bool> stop{false};
+    std::vector<std::thread> cameras;
+    for (int t = 0; t < 2; ++t) {
+        cameras.emplace_back([&events, &stop] {
+            while (!stop.load()) {
+                events.NotifyImageUpdateListener("Cam", nullptr, 0, 0);
+                events.NotifyAcqStatisticUpdateListener("Cam", false);
+            }
+        });
+    }
+    for (int round = 0; round < 300; ++round) {
+        listener.m_registered = true;
+        events.RegisterImageUpdateListener("Cam", &listener);
+        events.RegisterAcqStatisticUpdateListener(&listener);
+        std::this_thread::yield();
+        events.UnRegisterImageUpdateListener("Cam", &listener);
+        events.UnRegisterAcqStatisticUpdateListener(&listener);
+        listener.m_registered = false;
+    }
+    stop = true;
+    for (std::thread& camera : cameras) {
+        camera.join();
+    }
+    EXPECT_EQ(0, listener.m_lateCalls);
+}
+
 TEST(ListenerRegistry, ProcessWideRegistryStartsEmptyAndServesTheHost)
 {
     RecordingListener host;

@@ -204,37 +204,121 @@ TEST_F(GenApiNodeMap, IntegerWritesAreVerifiedAgainstRangeIncrementAndAccess) {
     CIntegerPtr(nodeMap->GetNode("DeviceKey"))->SetValue(1234);
 }
 
-TEST_F(GenApiNodeMap, IntegerTextConversion) {
-    CIntegerPtr width = nodeMap->GetNode("Width");
-    width->FromString("0x100");
-    EXPECT_EQ(std::string(width->ToString()), "256");
-    EXPECT_THROW(width->FromString("12abc"), GenICam::InvalidArgumentException);
-    EXPECT_THROW(width->FromString(""), GenICam::InvalidArgumentException);
-    EXPECT_THROW(width->FromString("99999999999999999999999"), GenICam::InvalidArgumentException);
-    EXPECT_EQ(width->GetValue(), 256);
-    CIntegerPtr height = nodeMap->GetNode("Height");
-    height->SetValue(4294967296LL);
-    EXPECT_EQ(height->GetValue(), 4294967296LL);
+namespace {
+
+struct IntegerText {
+    const char* node;
+    const char* text;
+    int64_t value;
+    const char* written;
+};
+
+void PrintTo(const IntegerText& text, std::ostream* out) {
+    *out << text.node << '=' << text.text;
 }
 
-TEST_F(GenApiNodeMap, FloatWritesRespectRangeAndDeclaredIncrement) {
+class GenApiIntegerText : public GenApiNodeMap, public ::testing::WithParamInterface<IntegerText> {};
+
+} // namespace
+
+TEST_P(GenApiIntegerText, FromStringReadsDecimalUnlessPrefixed0xAndToStringWritesTheRepresentation) {
+    CIntegerPtr node = nodeMap->GetNode(GetParam().node);
+    node->FromString(GetParam().text);
+    EXPECT_EQ(node->GetValue(), GetParam().value);
+    EXPECT_EQ(std::string(node->ToString()), GetParam().written);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    PureNumberHexNumberIPV4AddressMACAddress, GenApiIntegerText,
+    ::testing::Values(IntegerText{"Height", "010", 10, "10"}, IntegerText{"Height", "08", 8, "8"},
+                      IntegerText{"Height", "0x100", 256, "256"}, IntegerText{"Height", "-42", -42, "-42"},
+                      IntegerText{"Height", "4294967296", 4294967296LL, "4294967296"},
+                      IntegerText{"FirmwareChecksum", "4096", 4096, "0x1000"},
+                      IntegerText{"FirmwareChecksum", "0xBEEF", 0xBEEF, "0xbeef"},
+                      IntegerText{"FirmwareChecksum", "-1", -1, "0xffffffffffffffff"},
+                      IntegerText{"FirmwareChecksum", "0xffffffffffffffff", -1, "0xffffffffffffffff"},
+                      IntegerText{"ChecksumAlias", "0X1F", 31, "0x1f"},
+                      IntegerText{"PersistentIP", "10.0.0.1", 0x0A000001, "10.0.0.1"},
+                      IntegerText{"PersistentIP", "3232235796", 0xC0A80114, "192.168.1.20"},
+                      IntegerText{"MacAddress", "00:0c:29:AA:bb:cc", 0x000C29AABBCC, "00:0c:29:aa:bb:cc"},
+                      IntegerText{"MacAddress", "0x1", 1, "00:00:00:00:00:01"}));
+
+TEST_F(GenApiNodeMap, IntegerFromStringRefusesTextOfNoForm) {
+    const std::vector<std::pair<const char*, const char*>> malformed = {
+        {"Height", "12abc"},           {"Height", ""},
+        {"Height", "99999999999999999999999"}, {"Height", "0x"},
+        {"Height", "0x0x1"},           {"Height", "-0x10"},
+        {"Height", "10.0.0.1"},        {"PersistentIP", "256.0.0.1"},
+        {"PersistentIP", "1.2.3"},     {"PersistentIP", "1.2.3.4.5"},
+        {"MacAddress", "00:0c:29:aa:bb"}, {"MacAddress", "0x11112222333344445"}};
+    for (const auto& [name, text] : malformed) {
+        CIntegerPtr node = nodeMap->GetNode(name);
+        const int64_t before = node->GetValue();
+        EXPECT_THROW(node->FromString(text), GenICam::InvalidArgumentException) << name << " '" << text << "'";
+        EXPECT_EQ(node->GetValue(), before) << name;
+    }
+}
+
+TEST_F(GenApiNodeMap, RepresentationDefaultsToPureNumberAndFollowsPValue) {
+    const std::vector<std::pair<const char*, ERepresentation>> expected = {
+        {"Width", PureNumber},         {"DeviceTemperatureRaw", PureNumber}, {"Gain", PureNumber},
+        {"GainCurve", Logarithmic},    {"FirmwareChecksum", HexNumber},      {"ChecksumAlias", HexNumber},
+        {"PersistentIP", IPV4Address}, {"MacAddress", MACAddress}};
+    for (const auto& [name, representation] : expected) {
+        CIntegerPtr integer = nodeMap->GetNode(name);
+        EXPECT_EQ(integer ? integer->GetRepresentation() : CFloatPtr(nodeMap->GetNode(name))->GetRepresentation(),
+                  representation)
+            << name;
+    }
+}
+
+TEST_F(GenApiNodeMap, FloatsVerifyMinAndMaxButNotTheIncrement) {
     CFloatPtr gain = nodeMap->GetNode("Gain");
     EXPECT_DOUBLE_EQ(gain->GetValue(), 0.5);
     EXPECT_EQ(std::string(gain->GetUnit()), "dB");
-    EXPECT_TRUE(gain->HasInc());
-    EXPECT_DOUBLE_EQ(gain->GetInc(), 0.5);
-    gain->SetValue(12.5);
-    EXPECT_THROW(gain->SetValue(12.25), GenICam::OutOfRangeException);
+    gain->SetValue(12.25); // off the 0.5 grid
+    EXPECT_DOUBLE_EQ(gain->GetValue(true, true), 12.25);
+    EXPECT_EQ(std::string(gain->ToString(true)), "12.25");
     EXPECT_THROW(gain->SetValue(24.5), GenICam::OutOfRangeException);
     EXPECT_THROW(gain->SetValue(-0.5), GenICam::OutOfRangeException);
-    EXPECT_EQ(std::string(gain->ToString()), "12.5");
+
+    CFloatPtr blackLevel = nodeMap->GetNode("BlackLevel");
+    blackLevel->SetValue(0.2); // Min -10, Inc 2
+    EXPECT_DOUBLE_EQ(blackLevel->GetValue(true), 0.2);
 
     CFloatPtr exposure = nodeMap->GetNode("ExposureTime");
-    EXPECT_FALSE(exposure->HasInc());
-    EXPECT_THROW(exposure->GetInc(), GenICam::AccessException);
     exposure->FromString("1234.75");
     EXPECT_DOUBLE_EQ(exposure->GetValue(), 1234.75);
     EXPECT_THROW(exposure->FromString("fast"), GenICam::InvalidArgumentException);
+}
+
+TEST_F(GenApiNodeMap, FloatIncrementFollowsPValueLikeMinAndMaxAndItsAbsenceIsARuntimeError) {
+    CFloatPtr alias = nodeMap->GetNode("GainAlias");
+    EXPECT_TRUE(alias->HasInc());
+    EXPECT_DOUBLE_EQ(alias->GetInc(), 0.5);
+    EXPECT_DOUBLE_EQ(alias->GetMax(), 24.0);
+
+    CFloatPtr exposure = nodeMap->GetNode("ExposureTime");
+    EXPECT_FALSE(exposure->HasInc());
+    EXPECT_THROW(exposure->GetInc(), GenICam::RuntimeException);
+}
+
+TEST_F(GenApiNodeMap, RegistersOfferTheirBytesGetChecksReadabilityAlwaysSetWritabilityWhenVerifying) {
+    CRegisterPtr lut = nodeMap->GetNode("LutTable");
+    ASSERT_TRUE(lut.IsValid());
+    EXPECT_EQ(lut->GetAddress(), 0x2000);
+    EXPECT_EQ(lut->GetLength(), 16);
+    EXPECT_TRUE(CRegisterPtr(nodeMap->GetNode("DeviceTemperatureRaw")).IsValid());
+    EXPECT_FALSE(CRegisterPtr(nodeMap->GetNode("Width")).IsValid());
+
+    uint8_t bytes[16] = {};
+    EXPECT_THROW(lut->Get(bytes, 8), GenICam::OutOfRangeException);
+    EXPECT_THROW(lut->Set(nullptr, 16), GenICam::InvalidArgumentException);
+    EXPECT_THROW(lut->Get(bytes, 16), GenICam::RuntimeException) << "no device to read from";
+    EXPECT_THROW(CRegisterPtr(nodeMap->GetNode("DeviceTemperatureRaw"))->Set(bytes, 4), GenICam::AccessException);
+    EXPECT_THROW(CRegisterPtr(nodeMap->GetNode("CalibrationBlob"))->Get(bytes, 8, false), GenICam::AccessException);
+    EXPECT_THROW(CRegisterPtr(nodeMap->GetNode("HiddenBlob"))->Get(bytes, 8), GenICam::AccessException);
+    EXPECT_THROW(CRegisterPtr(nodeMap->GetNode("HiddenBlob"))->Set(bytes, 8), GenICam::AccessException);
 }
 
 TEST_F(GenApiNodeMap, BooleanAndStringValues) {

@@ -105,6 +105,9 @@ TEST_F(NodeAccess, ReadsEveryValueTypeAsText) {
     EXPECT_EQ(Read("SensorWidth"), "2048");
     EXPECT_EQ(Read("AvailableFeature"), "11");
     EXPECT_EQ(Read("LockedFeature"), "14");
+    // The representation changes only the GenApi interface's ToString: these stay decimal.
+    EXPECT_EQ(Read("FirmwareChecksum"), "48879");
+    EXPECT_EQ(Read("PersistentIP"), "3232235796");
     // 1.23456789012345678e17 needs more than the 23 characters the formatter keeps.
     EXPECT_EQ(Read("Gamma"), "123456789012345680.0000");
     EXPECT_EQ(message, "before");
@@ -189,6 +192,8 @@ TEST_F(NodeAccess, WritesConvertTextTheWayTheCameraCodeAlwaysHas) {
     EXPECT_EQ(Read("Gain"), "12.500000");
     EXPECT_EQ(Set("ExposureTime", "1e3"), 0);
     EXPECT_EQ(Read("ExposureTime"), "1000.000000");
+    EXPECT_EQ(Set("BlackLevel", "0.3"), 0) << "a float's increment is not enforced";
+    EXPECT_EQ(Read("BlackLevel"), "0.300000");
 
     const std::string longText(100000, 'u');
     EXPECT_EQ(Set("DeviceUserID", longText), 0);

@@ -29,7 +29,7 @@ std::vector<std::string> SerialsOf(const std::list<ICameraInfo*>& records) {
 }
 
 // A grabbing handle on the first device the mask finds.
-ICamera* OpenAndGrab(uint64_t mask, uint64_t frameLimit = 4294967295u) {
+ICamera* OpenAndGrab(uint64_t mask, uint64_t frameLimit = ZYLGENICAM::NO_FRAME_LIMIT) {
     std::list<ICameraInfo*> records = ZYLGENICAM::DiscoveryByTLType(mask);
     ICamera* camera = ZYLGENICAM::CreateCamera(records.front());
     for (ICameraInfo* record : records) {

@@ -24,6 +24,9 @@ const char* const Usage =
     "  get <camera> <feature>                 read a feature\n"
     "  set <camera> <feature> <value>         write a feature\n"
     "  rename <camera> <name>                 give the camera a new user name\n"
+    "  ip <camera> <address> <mask> <gateway> [--persistent]\n"
+    "                                         give a GigE camera a new address (even on a foreign\n"
+    "                                         subnet); --persistent also stores it in the camera\n"
     "  grab <camera> (--frames N | --seconds S) [--output file.png]\n"
     "                                         grab with live statistics, save the last frame\n"
     "<camera> is the identifier from the list, the serial number or the name.\n"
@@ -35,6 +38,7 @@ struct Options {
     std::vector<std::string> words;  // the command and its arguments
     GrabLimit limit;
     bool hasLimit = false;
+    bool persistent = false;
     std::string output;
 };
 
@@ -71,6 +75,8 @@ bool ParseOptions(int argc, char** argv, Options& options)
         const bool hasValue = i + 1 < argc;
         if (word == "--verbose") {
             options.verbose = true;
+        } else if (word == "--persistent") {
+            options.persistent = true;
         } else if (word == "--transport" && hasValue) {
             if (!ParseTransports(argv[++i], options.transports)) {
                 return false;
@@ -99,7 +105,7 @@ bool ArgumentsFit(const std::vector<std::string>& words)
     const std::size_t count = words.size();
     return ((command == "demo" || command == "list") && count == 1) ||
            ((command == "info" || command == "grab") && count == 2) || (command == "get" && count == 3) ||
-           (command == "rename" && count == 3) || (command == "set" && count == 4);
+           (command == "rename" && count == 3) || (command == "set" && count == 4) || (command == "ip" && count == 5);
 }
 
 int RunCommand(LibrarySession& session, const Options& options)
@@ -123,6 +129,9 @@ int RunCommand(LibrarySession& session, const Options& options)
     }
     if (command == "rename") {
         return RenameCamera(session, words[1], words[2]);
+    }
+    if (command == "ip") {
+        return ChangeAddress(session, words[1], {words[2], words[3], words[4], options.persistent});
     }
     return GrabToPng(session, words[1], options.limit, options.output);
 }

@@ -344,6 +344,28 @@ int RenameCamera(LibrarySession& session, const std::string& camera, const std::
     });
 }
 
+int ChangeAddress(LibrarySession& session, const std::string& camera, const AddressChange& change)
+{
+    const std::string id = FindCamera(session, camera);
+    if (id.empty()) {
+        return 1;
+    }
+    // Only GigE cameras have an address; the change is searched for by broadcast, so nothing else asks.
+    if (GetCameraInfo(id, ViewerBiz3::CAM_IP).empty()) {
+        std::cerr << id << " is no GigE camera: it has no address to change.\n";
+        return 1;
+    }
+    const int result = ViewerBiz3::ModifyCameraIp(id, change.address, change.mask, change.gateway, change.persistent);
+    if (result != 0) {
+        return ReportFailure("Changing the address of " + id, result);
+    }
+    // The library refreshes the list after the change; wait for that list.
+    session.RefreshDeviceList(std::chrono::seconds(20));
+    std::cout << id << " now answers at " << OrDash(GetCameraInfo(id, ViewerBiz3::CAM_IP))
+              << (change.persistent ? " (stored in the camera)\n" : " (until the camera restarts)\n");
+    return 0;
+}
+
 int GrabToPng(LibrarySession& session, const std::string& camera, const GrabLimit& limit, const std::string& pngPath)
 {
     return WithOpenedCamera(session, camera, [&limit, &pngPath](const std::string& id) {

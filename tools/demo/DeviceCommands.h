@@ -16,6 +16,14 @@ int ShowCameraInfo(LibrarySession& session, const std::string& camera);
 int GetFeature(LibrarySession& session, const std::string& camera, const std::string& feature);
 int SetFeature(LibrarySession& session, const std::string& camera, const std::string& feature,
                const std::string& value);
+// A GigE camera's new address: forced until the camera restarts, or also stored in it.
+struct AddressChange {
+    std::string address;
+    std::string mask;
+    std::string gateway;
+    bool persistent = false;
+};
+int ChangeAddress(LibrarySession& session, const std::string& camera, const AddressChange& change);
 int RenameCamera(LibrarySession& session, const std::string& camera, const std::string& newName);
 // Saves the last delivered frame to pngPath (empty: a name from the serial number).
 int GrabToPng(LibrarySession& session, const std::string& camera, const GrabLimit& limit, const std::string& pngPath);

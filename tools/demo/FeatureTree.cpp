@@ -4,9 +4,11 @@
 #include <libxml/tree.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <iomanip>
 #include <memory>
 #include <set>
+#include <sstream>
 
 namespace {
 
@@ -50,6 +52,32 @@ std::string ChildText(const xmlNode* element, const char* childName)
 
 // Access modes are followed through pValue references at most this deep.
 constexpr int MaxReferenceDepth = 8;
+
+// The library hands integers over in decimal; hexadecimal numbers and addresses read better the way the
+// description asks for them.
+std::string InRepresentation(const std::string& decimal, const std::string& representation)
+{
+    char* end = nullptr;
+    const auto bits = static_cast<unsigned long long>(std::strtoll(decimal.c_str(), &end, 10));
+    if (decimal.empty() || *end != '\0') {
+        return decimal;
+    }
+    const auto byte = [bits](int index) { return static_cast<unsigned>((bits >> (8 * index)) & 0xFF); };
+    std::ostringstream text;
+    if (representation == "HexNumber") {
+        text << "0x" << std::hex << bits;
+    } else if (representation == "IPV4Address") {
+        text << byte(3) << '.' << byte(2) << '.' << byte(1) << '.' << byte(0);
+    } else if (representation == "MACAddress") {
+        text << std::hex << std::setfill('0');
+        for (int index = 5; index >= 0; --index) {
+            text << std::setw(2) << byte(index) << (index > 0 ? ":" : "");
+        }
+    } else {
+        return decimal;
+    }
+    return text.str();
+}
 
 } // namespace
 
@@ -95,6 +123,14 @@ bool FeatureTree::Parse(const std::string& xml, std::string& error)
                     node.properties.emplace(childName, Text(child));
                 }
             }
+            // A StructReg's entries share its address, access and representation unless they declare their own.
+            if (ElementName(container) == "StructReg") {
+                for (const xmlNode* shared = container->children; shared != nullptr; shared = shared->next) {
+                    if (shared->type == XML_ELEMENT_NODE && ElementName(shared) != "StructEntry") {
+                        node.properties.emplace(ElementName(shared), Text(shared));
+                    }
+                }
+            }
             m_nodes.emplace(name, std::move(node));
         }
     }
@@ -121,6 +157,7 @@ std::string FeatureTree::TypeName(const Node& node) const
         {"FloatReg", "Float"},          {"SwissKnife", "Float"},     {"Converter", "Float"},
         {"Enumeration", "Enumeration"}, {"Boolean", "Boolean"},      {"Command", "Command"},
         {"String", "String"},           {"StringReg", "String"},     {"Register", "Register"},
+        {"StructEntry", "Integer"},
     };
     const auto found = typeOfElement.find(node.element);
     return found == typeOfElement.end() ? node.element : found->second;
@@ -142,7 +179,18 @@ std::string FeatureTree::Access(const Node& node, int depth) const
     return node.properties.count("Value") != 0 ? "RW" : "RO";
 }
 
-std::string FeatureTree::Bound(const Node& node, const std::string& name, const ValueReader& readValue) const
+std::string FeatureTree::Representation(const Node& node, int depth) const
+{
+    const std::string declared = Property(node, "Representation");
+    const auto referenced = m_nodes.find(Property(node, "pValue"));
+    if (declared.empty() && referenced != m_nodes.end() && depth < MaxReferenceDepth) {
+        return Representation(referenced->second, depth + 1);
+    }
+    return declared;
+}
+
+std::string FeatureTree::Bound(const Node& node, const std::string& name, const ValueReader& readValue,
+                               int depth) const
 {
     const std::string literal = Property(node, name);
     if (!literal.empty()) {
@@ -152,6 +200,12 @@ std::string FeatureTree::Bound(const Node& node, const std::string& name, const 
     std::string value;
     if (!reference.empty() && readValue(reference, value)) {
         return value;
+    }
+    // A plain Integer or Float without its own bound takes it from the node its value comes from.
+    const auto referenced = m_nodes.find(Property(node, "pValue"));
+    if ((node.element == "Integer" || node.element == "Float") && referenced != m_nodes.end() &&
+        depth < MaxReferenceDepth) {
+        return Bound(referenced->second, name, readValue, depth + 1);
     }
     return std::string();
 }
@@ -217,7 +271,7 @@ void FeatureTree::PrintFeature(std::ostream& out, const std::string& name, const
     } else if (access == "WO") {
         out << "  (write only)";
     } else if (readValue(name, value)) {
-        out << "  = " << value;
+        out << "  = " << (type == "Integer" ? InRepresentation(value, Representation(node, 0)) : value);
         const std::string unit = Property(node, "Unit");
         if (!unit.empty()) {
             out << ' ' << unit;
@@ -226,9 +280,9 @@ void FeatureTree::PrintFeature(std::ostream& out, const std::string& name, const
         out << "  (not readable now)";
     }
     if (type == "Integer" || type == "Float") {
-        const std::string min = Bound(node, "Min", readValue);
-        const std::string max = Bound(node, "Max", readValue);
-        const std::string inc = Bound(node, "Inc", readValue);
+        const std::string min = Bound(node, "Min", readValue, 0);
+        const std::string max = Bound(node, "Max", readValue, 0);
+        const std::string inc = Bound(node, "Inc", readValue, 0);
         if (!min.empty() || !max.empty()) {
             out << "  [" << (min.empty() ? "?" : min) << " .. " << (max.empty() ? "?" : max);
             if (!inc.empty() && inc != "1") {

@@ -107,7 +107,7 @@ bool CameraTestHost::WaitUntil(const std::function<bool()>& condition, std::chro
     return true;
 }
 
-void CameraTestHost::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2)
+std::size_t CameraTestHost::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2)
 {
     std::chrono::milliseconds holdTime;
     std::function<void(ZYLGENICAM::IImage*)> observer;
@@ -118,11 +118,12 @@ void CameraTestHost::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* imag
         observer = m_imageObserver;
     }
     if (!image)
-        return;
+        return 0;
     if (observer)
         observer(image);
     std::this_thread::sleep_for(holdTime);
     image->Release();
+    return 1;
 }
 
 void CameraTestHost::NotifyAcqStatisticUpdate(std::string key, bool flag)

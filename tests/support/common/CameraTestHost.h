@@ -67,7 +67,7 @@ public:
     static bool WaitUntil(const std::function<bool()>& condition,
                           std::chrono::milliseconds timeout = std::chrono::seconds(10));
 
-    void NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
+    std::size_t NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
     void NotifyAcqStatisticUpdate(std::string key, bool flag) override;
     void NotifyDeviceListUpdate(std::string listKey, std::string key) override;
     void NotifyDeviceListUpdate() override;

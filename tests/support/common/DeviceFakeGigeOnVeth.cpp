@@ -27,8 +27,7 @@ DeviceFakeGigeOnVeth::~DeviceFakeGigeOnVeth()
         kill(m_pid, SIGKILL);
         waitpid(m_pid, nullptr, 0);
     }
-    if (m_linkMade)
-        Run("ip link del vb3g0");
+    Run("ip link del vb3g0");
 }
 
 bool DeviceFakeGigeOnVeth::Start(std::string& failure)
@@ -42,13 +41,7 @@ bool DeviceFakeGigeOnVeth::Start(std::string& failure)
         failure = m_cameraSpace->Failure();
         return false;
     }
-    // The adapter end stays in the calling thread's namespace, the camera end moves to its own.
-    m_linkMade = Run("ip link add vb3g0 type veth peer name vb3g1 netns " + m_cameraSpace->Name());
-    bool ready = m_linkMade && Run("ip addr add 169.254.30.1/16 broadcast + dev vb3g0") &&
-                 Run("ip link set vb3g0 up") &&
-                 m_cameraSpace->Ip("addr add " + std::string(CAMERA_ADDRESS) + "/16 broadcast + dev vb3g1") &&
-                 m_cameraSpace->Ip("link set vb3g1 up");
-    if (!ready) {
+    if (!m_cameraSpace->LinkFromCaller("vb3g0", "169.254.30.1/16", "vb3g1", std::string(CAMERA_ADDRESS) + "/16")) {
         failure = "cannot build the veth link to the camera's namespace";
         return false;
     }

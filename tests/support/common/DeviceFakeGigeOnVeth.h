@@ -29,6 +29,5 @@ public:
 private:
     std::string m_serialNumber;
     std::unique_ptr<NetworkNamespace> m_cameraSpace;
-    bool m_linkMade = false;
     pid_t m_pid = -1;
 };

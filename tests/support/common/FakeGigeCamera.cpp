@@ -24,7 +24,10 @@ constexpr uint16_t kGvcpPort = 3956;
 
 } // namespace
 
-FakeGigeCamera::FakeGigeCamera(std::string serialNumber) : m_serialNumber(std::move(serialNumber)) {}
+FakeGigeCamera::FakeGigeCamera(std::string serialNumber, std::string address)
+    : m_serialNumber(std::move(serialNumber)), m_address(std::move(address))
+{
+}
 
 FakeGigeCamera::~FakeGigeCamera()
 {
@@ -52,7 +55,7 @@ bool FakeGigeCamera::Start(int timeoutMs)
 {
     if (m_pid > 0)
         return true;
-    std::vector<std::string> arguments { kProgram, "-i", kAddress, "-s", m_serialNumber };
+    std::vector<std::string> arguments { kProgram, "-i", m_address, "-s", m_serialNumber };
     std::vector<char*> argv;
     for (std::string& argument : arguments)
         argv.push_back(argument.data());
@@ -112,7 +115,7 @@ bool FakeGigeCamera::AnswersDiscovery(int timeoutMs) const
     sockaddr_in camera {};
     camera.sin_family = AF_INET;
     camera.sin_port = htons(kGvcpPort);
-    inet_pton(AF_INET, kAddress, &camera.sin_addr);
+    inet_pton(AF_INET, m_address.c_str(), &camera.sin_addr);
     const uint8_t discovery[] = { 0x42, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01 };
     bool answered = false;
     if (sendto(fd, discovery, sizeof discovery, 0, reinterpret_cast<sockaddr*>(&camera), sizeof camera) > 0) {

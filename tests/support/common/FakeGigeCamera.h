@@ -1,5 +1,6 @@
 // A simulated GigE Vision camera in its own process (arv-fake-gv-camera-0.8 from aravis-tools),
-// listening on 127.0.0.1. Use it only inside a private network namespace. The test owns the
+// listening on 127.0.0.1 or another loopback address the namespace has. Use it only inside a
+// private network namespace. The test owns the
 // process: it is stopped by its id, at the latest when this object goes away.
 #pragma once
 
@@ -9,7 +10,7 @@
 
 class FakeGigeCamera {
 public:
-    explicit FakeGigeCamera(std::string serialNumber = "VB3GV01");
+    explicit FakeGigeCamera(std::string serialNumber = "VB3GV01", std::string address = kAddress);
     ~FakeGigeCamera();
 
     FakeGigeCamera(const FakeGigeCamera&) = delete;
@@ -30,10 +31,12 @@ public:
     void Thaw();
     bool IsRunning() const { return m_pid > 0; }
     const std::string& SerialNumber() const { return m_serialNumber; }
+    const std::string& Address() const { return m_address; }
 
 private:
     bool AnswersDiscovery(int timeoutMs) const;
 
     std::string m_serialNumber;
+    std::string m_address;
     pid_t m_pid = -1;
 };

@@ -61,6 +61,14 @@ bool NetworkNamespace::Ip(const std::string& arguments)
     return Run("ip -n " + m_name + " " + arguments);
 }
 
+bool NetworkNamespace::LinkFromCaller(const std::string& adapter, const std::string& adapterAddress,
+                                      const std::string& peer, const std::string& peerAddress)
+{
+    return m_ready && Run("ip link add " + adapter + " type veth peer name " + peer + " netns " + m_name) &&
+           Run("ip addr add " + adapterAddress + " broadcast + dev " + adapter) && Run("ip link set " + adapter + " up") &&
+           Ip("addr add " + peerAddress + " broadcast + dev " + peer) && Ip("link set " + peer + " up");
+}
+
 bool NetworkNamespace::Enter()
 {
     if (!m_ready)

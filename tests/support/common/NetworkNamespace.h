@@ -36,6 +36,11 @@ public:
     bool RunInside(const std::function<std::string()>& work, std::string& output);
     // Runs an "ip" command inside the namespace; true on exit status 0.
     bool Ip(const std::string& arguments);
+    // A veth pair from the calling thread's namespace into this one: the adapter end stays with the
+    // caller, the peer end moves here; each gets its address ("a.b.c.d/prefix") and comes up. The
+    // caller deletes the adapter end ("ip link del") when done.
+    bool LinkFromCaller(const std::string& adapter, const std::string& adapterAddress, const std::string& peer,
+                        const std::string& peerAddress);
 
 private:
     std::string m_name;

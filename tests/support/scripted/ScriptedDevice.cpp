@@ -301,7 +301,7 @@ int ScriptedDevice::GetImage(HandleState& handle, ZYLGENICAM::IImage*& image, ui
         if (GrabInterrupted(handle, session)) {
             return ZYLGENICAM::SDK_TIMEOUT;
         }
-        const bool frameLimitReached = handle.frameLimit != 0 && handle.framesThisSession >= handle.frameLimit;
+        const bool frameLimitReached = handle.frameLimit != ZYLGENICAM::NO_FRAME_LIMIT && handle.framesThisSession >= handle.frameLimit;
         if (frameLimitReached) {
             return WaitForTimeout(lock, handle, session, deadline);
         }

@@ -77,7 +77,7 @@ private:
         bool grabbing = false;
         uint64_t grabSession = 0;  // changes on every start and stop so waiting reads end
         uint64_t framesThisSession = 0;
-        uint64_t frameLimit = 0;
+        uint64_t frameLimit = ZYLGENICAM::NO_FRAME_LIMIT;
         std::chrono::steady_clock::time_point lastAnswer;
         std::chrono::steady_clock::time_point lastFrame;
     };
