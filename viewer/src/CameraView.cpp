@@ -5,6 +5,8 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include <chrono>
+
 #include "FrameDecoder.h"
 #include "ImageCanvas.h"
 #include "LibrarySession.h"
@@ -243,9 +245,14 @@ void CameraView::OnRenamed(const QString& oldId, const QString& newId)
 
 void CameraView::Consume(ZYLGENICAM::IImage& image, int imageMode)
 {
-    if (m_framePending.exchange(true)) {
+    constexpr std::int64_t ShortestInterval = 25'000'000;  // ns
+    const std::int64_t now = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                                 std::chrono::steady_clock::now().time_since_epoch())
+                                 .count();
+    if (now - m_lastConversion < ShortestInterval || m_framePending.exchange(true)) {
         return;
     }
+    m_lastConversion = now;
     DisplayFrame frame;
     if (!FrameDecoder::Decode(image, m_profileCamera, imageMode, frame)) {
         m_framePending = false;

@@ -5,6 +5,7 @@
 // converts a frame there, while the library's buffer is valid, and hands the
 // result to the GUI thread through a queued signal. While a converted frame
 // waits to be shown, newer frames are skipped: the screen never falls behind.
+// No more than about 40 frames a second are converted; a screen shows no more.
 #pragma once
 
 #include <QFrame>
@@ -12,6 +13,7 @@
 #include <QStringList>
 
 #include <atomic>
+#include <cstdint>
 
 #include "DisplayFrame.h"
 #include "FrameHub.h"
@@ -82,6 +84,7 @@ private:
     int m_showMode = 0;
     bool m_focused = false;
     std::atomic<bool> m_framePending{false};
+    std::atomic<std::int64_t> m_lastConversion{0};  // steady clock, ns
     std::atomic<bool> m_profileCamera{false};
     quint64 m_shownFrames = 0;
     quint64 m_shownFrameId = 0;
