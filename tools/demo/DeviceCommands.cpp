@@ -9,6 +9,7 @@
 #include <iostream>
 #include <vector>
 
+#include <ViewerBiz3/GenApi/GenApi.h>
 #include <ViewerBiz3/ViewerBiz3.h>
 
 #include "FeatureTree.h"
@@ -83,6 +84,23 @@ std::vector<std::string> SortedCameraIds(LibrarySession& session)
     return ids;
 }
 
+// A feature's current value as text. Integers are read through the camera's GenApi node map, whose ToString
+// writes them in their representation (0x hexadecimal, dotted IP address, colon MAC address); the library's
+// node-value call gives every integer in decimal.
+bool ReadFeatureText(const std::string& id, GenApi::INodeMap* nodeMap, const std::string& name, std::string& value)
+{
+    GenApi::CIntegerPtr integer = nodeMap != nullptr ? nodeMap->GetNode(name) : nullptr;
+    if (!integer.IsValid()) {
+        return ViewerBiz3::GetCameraNodeValue(id, name, value) == 0;
+    }
+    try {
+        value = integer->ToString(false, true);
+        return true;
+    } catch (const GenICam::GenericException&) {
+        return false;
+    }
+}
+
 void PrintCameraInfo(const std::string& id)
 {
     const std::pair<const char*, ViewerBiz3::CAM_INFO> fields[] = {
@@ -111,8 +129,10 @@ void PrintCameraInfo(const std::string& id)
         return;
     }
     std::cout << "Features (" << tree.FeatureCount() << " nodes described; name, type, access, value, range):\n";
-    tree.Print(std::cout, [&id](const std::string& name, std::string& value) {
-        return ViewerBiz3::GetCameraNodeValue(id, name, value) == 0;
+    auto* nodeMap = static_cast<GenApi::INodeMap*>(
+        ViewerBiz3::GetAttrNodeMap(ViewerBiz3::FOCUS_CAMERA_FEATURES, id, ViewerBiz3::NODEMAP_MODULE3));
+    tree.Print(std::cout, [&id, nodeMap](const std::string& name, std::string& value) {
+        return ReadFeatureText(id, nodeMap, name, value);
     });
 }
 

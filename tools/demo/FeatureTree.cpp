@@ -4,11 +4,9 @@
 #include <libxml/tree.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <iomanip>
 #include <memory>
 #include <set>
-#include <sstream>
 
 namespace {
 
@@ -52,32 +50,6 @@ std::string ChildText(const xmlNode* element, const char* childName)
 
 // Access modes are followed through pValue references at most this deep.
 constexpr int MaxReferenceDepth = 8;
-
-// The library hands integers over in decimal; hexadecimal numbers and addresses read better the way the
-// description asks for them.
-std::string InRepresentation(const std::string& decimal, const std::string& representation)
-{
-    char* end = nullptr;
-    const auto bits = static_cast<unsigned long long>(std::strtoll(decimal.c_str(), &end, 10));
-    if (decimal.empty() || *end != '\0') {
-        return decimal;
-    }
-    const auto byte = [bits](int index) { return static_cast<unsigned>((bits >> (8 * index)) & 0xFF); };
-    std::ostringstream text;
-    if (representation == "HexNumber") {
-        text << "0x" << std::hex << bits;
-    } else if (representation == "IPV4Address") {
-        text << byte(3) << '.' << byte(2) << '.' << byte(1) << '.' << byte(0);
-    } else if (representation == "MACAddress") {
-        text << std::hex << std::setfill('0');
-        for (int index = 5; index >= 0; --index) {
-            text << std::setw(2) << byte(index) << (index > 0 ? ":" : "");
-        }
-    } else {
-        return decimal;
-    }
-    return text.str();
-}
 
 } // namespace
 
@@ -123,7 +95,7 @@ bool FeatureTree::Parse(const std::string& xml, std::string& error)
                     node.properties.emplace(childName, Text(child));
                 }
             }
-            // A StructReg's entries share its address, access and representation unless they declare their own.
+            // A StructReg's entries share its address and access unless they declare their own.
             if (ElementName(container) == "StructReg") {
                 for (const xmlNode* shared = container->children; shared != nullptr; shared = shared->next) {
                     if (shared->type == XML_ELEMENT_NODE && ElementName(shared) != "StructEntry") {
@@ -177,16 +149,6 @@ std::string FeatureTree::Access(const Node& node, int depth) const
         return Access(referenced->second, depth + 1);
     }
     return node.properties.count("Value") != 0 ? "RW" : "RO";
-}
-
-std::string FeatureTree::Representation(const Node& node, int depth) const
-{
-    const std::string declared = Property(node, "Representation");
-    const auto referenced = m_nodes.find(Property(node, "pValue"));
-    if (declared.empty() && referenced != m_nodes.end() && depth < MaxReferenceDepth) {
-        return Representation(referenced->second, depth + 1);
-    }
-    return declared;
 }
 
 std::string FeatureTree::Bound(const Node& node, const std::string& name, const ValueReader& readValue,
@@ -271,7 +233,7 @@ void FeatureTree::PrintFeature(std::ostream& out, const std::string& name, const
     } else if (access == "WO") {
         out << "  (write only)";
     } else if (readValue(name, value)) {
-        out << "  = " << (type == "Integer" ? InRepresentation(value, Representation(node, 0)) : value);
+        out << "  = " << value;
         const std::string unit = Property(node, "Unit");
         if (!unit.empty()) {
             out << ' ' << unit;

@@ -33,8 +33,6 @@ private:
     std::string Property(const Node& node, const std::string& name) const;
     std::string TypeName(const Node& node) const;
     std::string Access(const Node& node, int depth) const;
-    // The node's Representation, or the one of the node its pValue names.
-    std::string Representation(const Node& node, int depth) const;
     std::string Bound(const Node& node, const std::string& name, const ValueReader& readValue, int depth) const;
     void PrintNode(std::ostream& out, const std::string& name, int depth, const ValueReader& readValue,
                    std::vector<std::string>& path) const;
