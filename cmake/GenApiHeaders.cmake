@@ -1,9 +1,10 @@
 # The GenApi-compatible interface headers a host needs to walk and edit the node
 # map that GetAttrNodeMap hands out, laid out as <ViewerBiz3/GenApi/...>.
 #
-# The set is GenApi.h, every interface header (genapi/I*.h) and whatever those
-# include from genapi/, so a new interface header is picked up without editing
-# this file. Inside the library the headers include each other as
+# The set is GenApi.h, every interface header (genapi/I<Name>.h: an I and a
+# capital, unlike helpers such as IntegerText.h) and whatever those include
+# from genapi/, so a new interface header is picked up without editing this
+# file. Inside the library the headers include each other as
 # "genapi/Name.h"; the copies made here include their neighbours as "Name.h",
 # which resolves next to the including file wherever the tree is installed.
 # The copies are remade when a source header changes or a new one appears.
@@ -11,7 +12,7 @@
 set(VB3_GENAPI_SOURCE_DIR ${PROJECT_SOURCE_DIR}/genapi)
 set(VB3_GENAPI_PUBLIC_DIR ${VB3_PUBLIC_INCLUDE_DIR}/ViewerBiz3/GenApi)
 
-file(GLOB vb3_genapi_interfaces CONFIGURE_DEPENDS ${VB3_GENAPI_SOURCE_DIR}/I*.h)
+file(GLOB vb3_genapi_interfaces CONFIGURE_DEPENDS ${VB3_GENAPI_SOURCE_DIR}/I[A-Z]*.h)
 set(vb3_genapi_pending ${VB3_GENAPI_SOURCE_DIR}/GenApi.h ${vb3_genapi_interfaces})
 set(vb3_genapi_headers "")
 while(vb3_genapi_pending)
