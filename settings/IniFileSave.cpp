@@ -8,9 +8,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <signal.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <system_error>
 
 #include "log/Log.h"
@@ -81,7 +85,7 @@ int OpenTemporary(const std::string& target, std::string& name)
     if (fd >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != EINVAL)) {
         return fd;
     }
-    std::string pattern = target + ".tmp.XXXXXX";
+    std::string pattern = target + ".tmp." + std::to_string(getpid()) + ".XXXXXX";
     const int named = mkostemp(pattern.data(), O_CLOEXEC);
     if (named >= 0) {
         name = pattern;
@@ -121,6 +125,28 @@ bool TakeOverAttributes(int fd, const struct stat& original)
     return fchmod(fd, original.st_mode & 07777) == 0;
 }
 
+// A temporary is named "<target>.tmp.<pid>.<n>" only for the moment between its content reaching the
+// disk and the rename, so one is left behind only when its process died in that moment. Only those
+// whose process is gone are removed: a living process may still rename its own.
+void RemoveTemporariesOfEndedProcesses(const std::string& target)
+{
+    const std::filesystem::path targetPath(target);
+    const std::string prefix = targetPath.filename().string() + ".tmp.";
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(targetPath.parent_path(), ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (name.rfind(prefix, 0) != 0) {
+            continue;
+        }
+        char* end = nullptr;
+        const long owner = std::strtol(name.c_str() + prefix.size(), &end, 10);
+        if (owner > 0 && *end == '.' && owner != getpid() && kill(static_cast<pid_t>(owner), 0) != 0 &&
+            errno == ESRCH) {
+            std::filesystem::remove(entry.path(), ignored);
+        }
+    }
+}
+
 void Discard(int fd, const std::string& name)
 {
     if (!name.empty()) {
@@ -156,6 +182,7 @@ Replacement Replace(const std::string& target, const std::string& content, int& 
     }
     close(fd);
     SyncDirectoryOf(target);
+    RemoveTemporariesOfEndedProcesses(target);
     return Replacement::Done;
 }
 
