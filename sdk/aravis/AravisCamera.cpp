@@ -28,6 +28,9 @@ void DeleteControlLostFlag(gpointer flag)
     delete static_cast<std::shared_ptr<std::atomic<bool>>*>(flag);
 }
 
+// Longer than Aravis takes to give up on a device that stays silent.
+constexpr auto kLetGoTimeout = std::chrono::seconds(10);
+
 // Register 0 exists on every transport (GigE Vision bootstrap version, USB3 Vision ABRM version).
 constexpr guint64 kProbeRegister = 0;
 
@@ -79,6 +82,8 @@ GObjectPtr<ArvDevice> AravisCamera::OpenDevice(int& result)
         result = SDK_OK;
         return RefObject(record.simulated->Device());
     }
+    if (!LostDeviceTeardown::Instance().WaitUntilLetGo(record.aravisDeviceId, kLetGoTimeout))
+        return nullptr;
     std::lock_guard<std::mutex> interfaceLock(AravisDiscovery::InterfaceMutex());
     ArvInterface* transport = record.tlType == TL_GIGE ? arv_gv_interface_get_instance() : arv_uv_interface_get_instance();
     GError* error = nullptr;
@@ -151,7 +156,8 @@ int AravisCamera::CloseLocked()
     m_featureModule.reset();
     m_nodeMap.reset();   // before the device: it reads through it
     if (IsLost())
-        LostDeviceTeardown::Instance().Add(std::shared_ptr<ArvDevice>(m_device.release(), GObjectUnref()));
+        LostDeviceTeardown::Instance().Add(std::shared_ptr<ArvDevice>(m_device.release(), GObjectUnref()),
+                                           m_info->m_record.aravisDeviceId);
     m_device.reset();
     if (m_info->m_record.simulated)
         m_info->m_record.simulated->CloseAccess();
@@ -230,7 +236,7 @@ void AravisCamera::StopStreamLocked()
         return;
     MarkLostUnlessAnsweringLocked();
     if (IsLost()) {
-        LostDeviceTeardown::Instance().Add(std::move(m_stream));
+        LostDeviceTeardown::Instance().Add(std::move(m_stream), m_info->m_record.aravisDeviceId);
     } else {
         ExecuteCommand("AcquisitionStop");
         m_stream.reset();
