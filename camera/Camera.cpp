@@ -169,7 +169,8 @@ int Camera::CloseCamera(bool notify)
             Utilities::LogInfo(GetName(), "Failed to close the camera. Handle is NULL.", notifyHost);
         return -1;
     }
-    if (!sdkCamera->IsOpen())
+    // A lost camera's device was let go already; the camera itself still closes.
+    if (!sdkCamera->IsOpen() && !m_lostDeviceReleased.exchange(false))
         return -2;
     lock.unlock();
     StopGrab(false);
@@ -763,6 +764,7 @@ void Camera::HandleLoss()
         if (LockStateUnlessExiting(stateLock, m_watchdogStop))
             StopGrabLocked(false);
     }
+    ReleaseLostDevice();
     // Everything needed after RemoveOpenedCamera is read now: the host deletes a lost GigE or
     // USB camera inside that call, and clearing the running flag lets closing go on.
     const std::string key = GetKey();
@@ -775,6 +777,21 @@ void Camera::HandleLoss()
         host->RemoveOpenedCamera(key);
     if (cameraLink)
         BecomeVirtualPlaceholder();
+}
+
+// The device is let go at once rather than when this camera is deleted: should it answer again,
+// discovery lists it and the host may open it anew, which the old handle, still holding control
+// and a stream channel, would disturb.
+void Camera::ReleaseLostDevice()
+{
+    ZYLGENICAM::ICamera* sdkCamera = m_camera.load();
+    if (!sdkCamera)
+        return;
+    std::unique_lock<std::shared_mutex> nodeLock(m_nodeAccessMutex);
+    m_featureNodeMap.store(nullptr);
+    m_auxiliaryNodeMap.store(nullptr);
+    sdkCamera->Close();
+    m_lostDeviceReleased.store(true);
 }
 
 void Camera::BecomeVirtualPlaceholder()

@@ -179,6 +179,7 @@ private:
     // Closing: signal every thread, drop the thread objects, wait until none touches this camera.
     void ShutDownThreads();
     void HandleLoss();
+    void ReleaseLostDevice();
     void BecomeVirtualPlaceholder();
     void SleepUnlessWatchdogStopped();
     bool LockStateUnlessExiting(std::unique_lock<std::mutex>& lock, const std::atomic<bool>& exitFlag);
@@ -257,6 +258,7 @@ private:
     std::atomic<bool> m_watchdogRunning{false};
     std::atomic<bool> m_deliverActive{false};
     std::atomic<bool> m_nodeAccessRefused{false};
+    std::atomic<bool> m_lostDeviceReleased{false};
     // Set by the grab and delivery threads as their very last access to this object, so
     // closing never returns while one of them could still touch it.
     std::atomic<bool> m_grabExited{true};

@@ -14,6 +14,13 @@ namespace ZYLGENICAM {
 
 namespace {
 
+// What a lost device's teardown is known by until it is let go: GigE Vision devices are opened by
+// address, not by an Aravis id, so their MAC address names them.
+const std::string& TeardownKey(const AravisDeviceRecord& record)
+{
+    return record.tlType == TL_GIGE ? record.macAddress : record.aravisDeviceId;
+}
+
 int64_t SteadyNowMs()
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
@@ -29,6 +36,9 @@ void DeleteControlLostFlag(gpointer flag)
 {
     delete static_cast<std::shared_ptr<std::atomic<bool>>*>(flag);
 }
+
+// Longer than Aravis takes to give up on a device that stays silent.
+constexpr auto kLetGoTimeout = std::chrono::seconds(10);
 
 // Register 0 exists on every transport (GigE Vision bootstrap version, USB3 Vision ABRM version).
 constexpr guint64 kProbeRegister = 0;
@@ -81,6 +91,8 @@ GObjectPtr<ArvDevice> AravisCamera::OpenDevice(int& result)
         result = SDK_OK;
         return RefObject(record.simulated->Device());
     }
+    if (!LostDeviceTeardown::Instance().WaitUntilLetGo(TeardownKey(record), kLetGoTimeout))
+        return nullptr;
     GObjectPtr<ArvDevice> device;
     if (record.tlType == TL_GIGE) {
         device = AravisDiscovery::OpenGigeDevice(record.hostInterfaceAddress, record.ipAddress);
@@ -165,7 +177,8 @@ int AravisCamera::CloseLocked()
     if (m_info->m_record.tlType == TL_USB)
         OpenUsbDevices::Instance().Remove(m_info->m_record.aravisDeviceId);
     if (IsLost())
-        LostDeviceTeardown::Instance().Add(std::shared_ptr<ArvDevice>(m_device.release(), GObjectUnref()));
+        LostDeviceTeardown::Instance().Add(std::shared_ptr<ArvDevice>(m_device.release(), GObjectUnref()),
+                                           TeardownKey(m_info->m_record));
     m_device.reset();
     if (m_info->m_record.simulated)
         m_info->m_record.simulated->CloseAccess();
@@ -260,7 +273,7 @@ void AravisCamera::StopStreamLocked()
     MarkLostUnlessAnsweringLocked();
     m_streamModule->Detach();
     if (IsLost()) {
-        LostDeviceTeardown::Instance().Add(std::move(m_stream));
+        LostDeviceTeardown::Instance().Add(std::move(m_stream), TeardownKey(m_info->m_record));
     } else {
         ExecuteCommand("AcquisitionStop");
         m_stream.reset();

@@ -9,10 +9,12 @@
 // nothing that is gone, and a host quitting right after a cable pull does not wait for it.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <string>
 
 namespace ZYLGENICAM {
 
@@ -20,10 +22,15 @@ class LostDeviceTeardown {
 public:
     static LostDeviceTeardown& Instance();
 
-    // Drops this reference on the worker, which starts when needed and ends once idle.
-    void Add(std::shared_ptr<void> doomed);
+    // Drops this reference, an object of the named device, on the worker, which starts when
+    // needed and ends once idle.
+    void Add(std::shared_ptr<void> doomed, std::string device = {});
     // Returns once every reference handed over is dropped.
     void Drain();
+    // Returns once nothing of the named device is left to drop, or after the timeout: a device
+    // that answers again must not be opened while its old objects still stop its stream and give
+    // up its control. False on timeout.
+    bool WaitUntilLetGo(const std::string& device, std::chrono::milliseconds timeout);
 
     LostDeviceTeardown(const LostDeviceTeardown&) = delete;
     LostDeviceTeardown& operator=(const LostDeviceTeardown&) = delete;
@@ -32,11 +39,20 @@ private:
     LostDeviceTeardown() = default;
     ~LostDeviceTeardown() = delete;
 
+    struct Doomed {
+        std::shared_ptr<void> object;
+        std::string device;
+    };
+
     void Run();
+    bool HoldsObjectOf(const std::string& device) const;
 
     std::mutex m_mutex;
-    std::condition_variable m_idle;
-    std::deque<std::shared_ptr<void>> m_doomed;
+    // Signalled after each object dropped and when the worker ends.
+    std::condition_variable m_progress;
+    std::deque<Doomed> m_doomed;
+    bool m_dropping = false;
+    std::string m_droppingDevice;
     bool m_workerRunning = false;
 };
 
