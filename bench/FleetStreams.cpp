@@ -66,9 +66,7 @@ FleetWindow StreamWithPlainAravis(const std::vector<std::string>& addresses, con
     std::vector<ArvCamera*> cameras;
     std::vector<std::unique_ptr<RawAravisStream>> streams;
     for (const auto& address : addresses) {
-        GError* error = nullptr;
-        ArvCamera* camera = arv_camera_new(address.c_str(), &error);
-        g_clear_error(&error);
+        ArvCamera* camera = OpenRawGigeCamera(address);
         if (camera == nullptr)
             break;
         cameras.push_back(camera);

@@ -16,11 +16,16 @@ FrameSink::FrameSink(std::string cameraId, std::size_t capacity) : m_cameraId(st
     m_statistics.clear();
 }
 
-// Image listeners hear every camera; each frame is released by the sink of its own camera.
+// Image listeners hear every camera and each one releases every frame it hears, as a host must;
+// only its own camera's frames are recorded.
 void FrameSink::OnImageUpdate(std::string cameraKey, void* image, int, int)
 {
-    if (image == nullptr || cameraKey != m_cameraId)
+    if (image == nullptr)
         return;
+    if (cameraKey != m_cameraId) {
+        static_cast<ZYLGENICAM::IImage*>(image)->Release();
+        return;
+    }
     DeliveredFrame frame;
     frame.wallSeconds = WallSeconds();
     frame.realTimeNs = RealTimeNs();

@@ -86,9 +86,7 @@ ToolFigures ParseCameraTest(const std::string& output)
 Bench::StreamWindow StreamWithPlainAravis(double seconds)
 {
     Bench::StreamWindow window;
-    GError* error = nullptr;
-    ArvCamera* camera = arv_camera_new(nullptr, &error);
-    g_clear_error(&error);
+    ArvCamera* camera = Bench::OpenRawGigeCamera(FakeGigeCamera::kAddress);
     if (camera == nullptr)
         return window;
     arv_camera_set_region(camera, 0, 0, kSmallSide, kSmallSide, nullptr);

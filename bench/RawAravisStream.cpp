@@ -1,6 +1,7 @@
 #include "RawAravisStream.h"
 
 #include "ProcessStats.h"
+#include "sdk/aravis/AravisDiscovery.h"
 
 namespace Bench {
 
@@ -10,6 +11,17 @@ constexpr double kWarmUpSeconds = 0.4;
 constexpr guint64 kPopTimeoutUs = 300000;
 
 } // namespace
+
+ArvCamera* OpenRawGigeCamera(const std::string& address)
+{
+    ZYLGENICAM::GObjectPtr<ArvDevice> device = ZYLGENICAM::AravisDiscovery::OpenGigeDevice("127.0.0.1", address);
+    if (!device)
+        return nullptr;
+    GError* error = nullptr;
+    ArvCamera* camera = arv_camera_new_with_device(device.get(), &error);
+    g_clear_error(&error);
+    return camera;
+}
 
 RawAravisStream::RawAravisStream(ArvCamera* camera, unsigned bufferCount) : m_camera(camera)
 {

@@ -4,10 +4,16 @@
 
 #include <arv.h>
 
+#include <string>
+
 #include "LatencySamples.h"
 #include "StreamWindow.h"
 
 namespace Bench {
+
+// Opens the GigE Vision camera at `address` (on loopback) without Aravis's interface lists: the
+// library's discovery updates those from its own thread, and Aravis does not guard them.
+ArvCamera* OpenRawGigeCamera(const std::string& address);
 
 class RawAravisStream {
 public:

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "genapi/ArvNodeMap.h"
+#include "genapi/GenicamParsing.h"
 
 namespace GenApi_3_4 {
 
@@ -33,7 +34,11 @@ void RequireWellFormed(const std::string& genicamXml, const std::string& deviceN
 
 std::unique_ptr<INodeMap> CreateNodeMapFromXml(const std::string& genicamXml, const std::string& deviceName) {
     RequireWellFormed(genicamXml, deviceName);
-    ArvGc* genicam = arv_gc_new(nullptr, genicamXml.data(), genicamXml.size());
+    ArvGc* genicam = nullptr;
+    {
+        const auto parsing = LockGenicamParsing();
+        genicam = arv_gc_new(nullptr, genicamXml.data(), genicamXml.size());
+    }
     ArvDomElement* root =
         genicam != nullptr ? arv_dom_document_get_document_element(ARV_DOM_DOCUMENT(genicam)) : nullptr;
     if (root == nullptr || std::strcmp(arv_dom_element_get_tag_name(root), "RegisterDescription") != 0) {

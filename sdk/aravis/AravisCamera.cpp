@@ -9,6 +9,7 @@
 #include "sdk/aravis/GvcpBootstrapReader.h"
 #include "sdk/aravis/LostDeviceTeardown.h"
 #include "sdk/aravis/OpenUsbDevices.h"
+#include "genapi/GenicamParsing.h"
 
 namespace ZYLGENICAM {
 
@@ -98,6 +99,7 @@ GObjectPtr<ArvDevice> AravisCamera::OpenDevice(int& result)
         device = AravisDiscovery::OpenGigeDevice(record.hostInterfaceAddress, record.ipAddress);
     } else {
         std::lock_guard<std::mutex> interfaceLock(AravisDiscovery::InterfaceMutex());
+        const auto parsing = GenApi_3_4::LockGenicamParsing();
         GError* error = nullptr;
         device.reset(arv_interface_open_device(arv_uv_interface_get_instance(), record.aravisDeviceId.c_str(), &error));
         g_clear_error(&error);

@@ -11,6 +11,7 @@
 #include "sdk/aravis/SimulatedCameraRegistry.h"
 #include "sdk/aravis/SimulatedIdentity.h"
 #include "sdk/aravis/SimulatedRegisters.h"
+#include "genapi/GenicamParsing.h"
 
 namespace ZYLGENICAM {
 namespace AravisDiscovery {
@@ -50,7 +51,11 @@ GObjectPtr<ArvDevice> OpenGigeDevice(const std::string& interfaceAddress, const 
     if (!local || !remote)
         return nullptr;
     GError* error = nullptr;
-    GObjectPtr<ArvDevice> device(arv_gv_device_new(local.get(), remote.get(), &error));
+    GObjectPtr<ArvDevice> device;
+    {
+        const auto parsing = GenApi_3_4::LockGenicamParsing();
+        device.reset(arv_gv_device_new(local.get(), remote.get(), &error));
+    }
     g_clear_error(&error);
     return device;
 }

@@ -2,6 +2,7 @@
 
 #include "genapi/ArvNodeMap.h"
 #include "sdk/aravis/GObjectPtr.h"
+#include "genapi/GenicamParsing.h"
 
 namespace ZYLGENICAM {
 namespace GigeTransportModule {
@@ -128,7 +129,11 @@ const std::string& Xml()
 
 std::unique_ptr<GenApi_3_4::INodeMap> CreateNodeMap(ArvDevice* device)
 {
-    GObjectPtr<ArvGc> genicam(arv_gc_new(device, Xml().data(), Xml().size()));
+    GObjectPtr<ArvGc> genicam;
+    {
+        const auto parsing = GenApi_3_4::LockGenicamParsing();
+        genicam.reset(arv_gc_new(device, Xml().data(), Xml().size()));
+    }
     if (!genicam)
         return nullptr;
     return std::make_unique<GenApi_3_4::ArvNodeMap>(genicam.get(), device, "TransportLayer");

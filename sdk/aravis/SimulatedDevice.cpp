@@ -10,6 +10,7 @@
 #include "sdk/aravis/SimulatedFrameFiller.h"
 #include "sdk/aravis/SimulatedIdentity.h"
 #include "sdk/aravis/SimulatedRegisters.h"
+#include "genapi/GenicamParsing.h"
 
 namespace ZYLGENICAM {
 
@@ -71,13 +72,6 @@ std::string ProfileRegisters()
     return xml;
 }
 
-// arv_set_fake_camera_genicam_filename is process-wide: creations take turns.
-std::mutex& CreationMutex()
-{
-    static std::mutex mutex;
-    return mutex;
-}
-
 GObjectPtr<ArvDevice> CreateFakeDevice(const std::string& serial, const std::string& description)
 {
     char* path = nullptr;
@@ -91,7 +85,8 @@ GObjectPtr<ArvDevice> CreateFakeDevice(const std::string& serial, const std::str
     close(fd);
     GObjectPtr<ArvDevice> device;
     if (written) {
-        std::lock_guard<std::mutex> lock(CreationMutex());
+        // The parsing lock also keeps the process-wide description file name ours until the device is made.
+        const auto parsing = GenApi_3_4::LockGenicamParsing();
         arv_set_fake_camera_genicam_filename(path);
         device.reset(arv_fake_device_new(serial.c_str(), &error));
         arv_set_fake_camera_genicam_filename(nullptr);

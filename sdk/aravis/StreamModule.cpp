@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "genapi/ArvNodeMap.h"
+#include "genapi/GenicamParsing.h"
 
 // The in-process device that answers the stream's register map: Aravis reads a GenICam port
 // through an ArvDevice, so the map is served by a subclass of ours.
@@ -154,7 +155,11 @@ StreamModule::StreamModule(ArvDevice* device, unsigned defaultBufferCount)
 {
     m_registers.reset(ARV_DEVICE(g_object_new(VB3_TYPE_STREAM_REGISTERS, nullptr)));
     VB3_STREAM_REGISTERS(m_registers.get())->module = this;
-    GObjectPtr<ArvGc> genicam(arv_gc_new(m_registers.get(), kXml, std::strlen(kXml)));
+    GObjectPtr<ArvGc> genicam;
+    {
+        const auto parsing = GenApi_3_4::LockGenicamParsing();
+        genicam.reset(arv_gc_new(m_registers.get(), kXml, std::strlen(kXml)));
+    }
     m_nodeMap = std::make_unique<GenApi_3_4::ArvNodeMap>(genicam.get(), m_registers.get(), "DataStream");
     m_module = std::make_unique<AravisModule>(m_nodeMap.get(), kXml);
 }

@@ -446,3 +446,23 @@ TEST_F(GenApiNodeMap, SerializesConcurrentUseFromSeveralThreads) {
     }
     EXPECT_EQ(failures.load(), 0);
 }
+
+// Two cameras opened at once each have their description parsed; neither may lose nodes or crash.
+TEST(GenApiNodeMapFactory, DescriptionsParsedOnSeveralThreadsAtOnceComeOutWhole) {
+    const std::string xml = ReadTextFile(std::string(VB3_TEST_DATA_DIR) + "/vendor_gige_area_camera.xml");
+    std::atomic<int> incomplete{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 3; ++t) {
+        threads.emplace_back([&]() {
+            for (int i = 0; i < 20; ++i) {
+                if (CreateNodeMapFromXml(xml, "Parallel")->GetNode("Width") == nullptr) {
+                    ++incomplete;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(incomplete.load(), 0);
+}
