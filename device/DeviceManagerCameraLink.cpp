@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr uint16_t KIND_CAMERA_LINK = 4;
-
 void DestroyRecords(std::list<ZYLGENICAM::ICameraInfo*>& records)
 {
     for (ZYLGENICAM::ICameraInfo* record : records)
@@ -280,7 +278,7 @@ bool DeviceManager::DiscoverCLCameras()
         camera->SetName(identifier);
         camera->SetKey(identifier);
         camera->SetListKey(cardKey);
-        camera->SetKind(KIND_CAMERA_LINK);
+        camera->SetKind(CameraKind::CameraLink);
         camera->SetFlag3(false);
         FillRecordTexts(*camera, record);
         camera->SetText(ViewerBiz3::CAM_CL_PROTOCOL, SdkText(record->GetCLInfo(ZYLGENICAM::CL_PROTOCOL)));

@@ -16,14 +16,7 @@ namespace {
 
 constexpr int CAMERA_LINK_BITS = ZYLGENICAM::TL_CAMERALINK | 0x8000;
 constexpr int TIMER_PERIOD_TICKS = 30;
-constexpr uint16_t KIND_PLAIN = 0;
-constexpr uint16_t KIND_PROFILE = 1;
-constexpr uint16_t KIND_USB = 3;
-constexpr uint16_t KIND_SHOW_MODE = 5;
 const char* const USB_CARD_KEY = "usbCard";
-
-// Kinds below this one are GigE cameras for recognition purposes.
-constexpr uint16_t FIRST_NON_GIGE_KIND = 3;
 
 // Simulated cameras come in several kinds; their transport and serial number tell them apart.
 bool IsSimulatedCamera(Camera* camera, const std::string& serial)
@@ -193,7 +186,7 @@ void DeviceManager::AttachOpenedCameras()
         Camera* camera = entry.second;
         if (camera == nullptr)
             continue;
-        bool usb = camera->GetKind() == KIND_USB;
+        bool usb = camera->IsKind(CameraKind::Usb);
         std::string hostInterface = camera->GetHostInterfaceAddress();
         for (auto& adapter : m_adapterList) {
             Card* card = adapter.second;
@@ -215,16 +208,16 @@ Camera* DeviceManager::CreateListedCamera(ZYLGENICAM::ICameraInfo* info, const s
     std::string model = SdkText(info->GetModelName());
     std::string serial = SdkText(info->GetSerialNumber());
     Camera* camera;
-    uint16_t kind;
+    CameraKind kind;
     if (!serial.empty() && serial[0] == 'F') {
         camera = new LPCamera(handle);
-        kind = KIND_PROFILE;
+        kind = CameraKind::Profile;
     } else if (model.find("QV-RM") != std::string::npos) {
         camera = new SLCamera(handle);
-        kind = KIND_SHOW_MODE;
+        kind = CameraKind::ShowMode;
     } else {
         camera = new Camera(handle);
-        kind = KIND_PLAIN;
+        kind = CameraKind::Area;
     }
     camera->SetKind(kind);
     camera->SetGrabbing(handle != nullptr && handle->IsGrabbing());
@@ -265,7 +258,7 @@ void DeviceManager::AttachToAdapter(Camera* camera, ZYLGENICAM::ICameraInfo* inf
             break;
         }
     } else if (tlType == ZYLGENICAM::TL_USB) {
-        camera->SetKind(KIND_USB);
+        camera->SetKind(CameraKind::Usb);
         camera->SetListKey(USB_CARD_KEY);
         auto usbCard = m_adapterList.find(USB_CARD_KEY);
         if (usbCard != m_adapterList.end())
@@ -299,7 +292,7 @@ bool DeviceManager::CameraIsOpened(ZYLGENICAM::ICameraInfo* info)
         for (auto entry = m_openedCameras.begin(); entry != m_openedCameras.end() && match == m_openedCameras.end();
              ++entry) {
             Camera* camera = entry->second;
-            if (camera != nullptr && camera->GetKind() < FIRST_NON_GIGE_KIND &&
+            if (camera != nullptr && camera->GetKind() < static_cast<uint16_t>(firstNonGigeKind) &&
                 camera->GetInfo(ViewerBiz3::CAM_MAC) == mac)
                 match = entry;
         }
@@ -307,7 +300,7 @@ bool DeviceManager::CameraIsOpened(ZYLGENICAM::ICameraInfo* info)
         for (auto entry = m_openedCameras.begin(); entry != m_openedCameras.end() && match == m_openedCameras.end();
              ++entry) {
             Camera* camera = entry->second;
-            if (camera != nullptr && camera->GetKind() == KIND_USB && camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
+            if (camera != nullptr && camera->IsKind(CameraKind::Usb) && camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
                 match = entry;
         }
     } else if (tlType == ZYLGENICAM::TL_SIMULATED) {

@@ -8,7 +8,6 @@
 #include "settings/ParameterManager.h"
 
 namespace {
-constexpr uint16_t profileCameraKind = 1;
 // What a missing key reads as; a stored "NULL" therefore also counts as absent.
 const char* const absentValue = "NULL";
 
@@ -28,7 +27,7 @@ std::string CameraParameterPath()
 
 bool HasParameterFile(Camera* camera)
 {
-    return camera && camera->GetKind() == profileCameraKind;
+    return camera && camera->IsKind(CameraKind::Profile);
 }
 } // namespace
 
