@@ -96,17 +96,6 @@ std::vector<int> CameraTestHost::Refreshes() const
     return m_refreshes;
 }
 
-bool CameraTestHost::WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout)
-{
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
 std::size_t CameraTestHost::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2)
 {
     std::chrono::milliseconds holdTime;

@@ -63,10 +63,6 @@ public:
     std::vector<Camera*> AddedCLCameras() const;
     std::vector<int> Refreshes() const;
 
-    // Polls the condition until it holds; false when the timeout passed first.
-    static bool WaitUntil(const std::function<bool()>& condition,
-                          std::chrono::milliseconds timeout = std::chrono::seconds(10));
-
     std::size_t NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
     void NotifyAcqStatisticUpdate(std::string key, bool flag) override;
     void NotifyDeviceListUpdate(std::string listKey, std::string key) override;
