@@ -52,8 +52,6 @@ public:
     void SetImageHoldTime(std::chrono::milliseconds holdTime);
     // Runs on the notifying thread for every received image, before it is released.
     void SetImageObserver(std::function<void(ZYLGENICAM::IImage*)> observer);
-    // Runs on the notifying thread for every statistics notification.
-    void SetStatisticObserver(std::function<void(const StatisticEvent&)> observer);
 
     std::vector<ImageEvent> Images() const;
     std::size_t ImagesWithPicture() const;
@@ -78,7 +76,6 @@ private:
     std::map<std::string, std::unique_ptr<Camera>> m_cameras;
     std::chrono::milliseconds m_holdTime{0};
     std::function<void(ZYLGENICAM::IImage*)> m_imageObserver;
-    std::function<void(const StatisticEvent&)> m_statisticObserver;
     std::vector<ImageEvent> m_images;
     std::vector<StatisticEvent> m_statistics;
     std::vector<DeviceListEvent> m_deviceLists;
