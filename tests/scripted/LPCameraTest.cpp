@@ -123,18 +123,6 @@ TEST_F(LPCameraTest, OpenReadsTheProfileSettingsOfTheDevice)
     EXPECT_EQ(DeviceValue("CenterImageY"), "Off");
 }
 
-TEST_F(LPCameraTest, OpenFallsBackWhenTheDeviceLacksProfileFeatures)
-{
-    Scripted::DeviceDescription areaDevice = Scripted::AreaCamera(serialNumber, "Profile");
-    LPCamera* camera = OpenedCamera(areaDevice);
-
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_UP_SIZE), "9");
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_DOWN_SIZE), "-9");
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_CONTOUR_SPACER), "0.035000");
-    // No switch could be read: the mode stays as constructed.
-    EXPECT_EQ(camera->GetCameraImageMode(), 1);
-}
-
 TEST_F(LPCameraTest, ImageModesRoundTripThroughTheSwitches)
 {
     LPCamera* camera = OpenedCamera();

@@ -37,9 +37,9 @@ public:
     explicit RecordingListener(std::string name = "listener") : m_name(std::move(name)) {}
 
     void OnTLTypeUpdate(unsigned long long mask) override { Record("tl " + std::to_string(mask)); }
-    void OnDeviceListUpdate(int kind, std::vector<std::string> first, std::vector<std::string> second) override
+    void OnDeviceListUpdate(int kind, std::vector<std::string>, std::vector<std::string>) override
     {
-        Record("devices " + std::to_string(kind) + " " + first.at(0) + " " + second.at(0));
+        Record("devices " + std::to_string(kind));
     }
     void OnFocusUpdate(FOCUS_TYPE type, std::string deviceId) override
     {
@@ -50,45 +50,21 @@ public:
     {
         Record("image " + key + (image ? " frame " : " null ") + std::to_string(extra1) + " " + std::to_string(extra2));
     }
-    void OnImageModeUpdate(std::string key, int mode) override { Record("mode " + key + " " + std::to_string(mode)); }
-    void OnSLImageShowModeUpdate(std::string id, int mode) override
-    {
-        Record("show " + id + " " + std::to_string(mode));
-    }
-    void OnAcqStatisticUpdate(std::string name, bool fromSetInfo) override
-    {
-        Record("statistics " + name + (fromSetInfo ? " set" : " acquisition"));
-    }
+    void OnImageModeUpdate(std::string key, int) override { Record("mode " + key); }
+    void OnSLImageShowModeUpdate(std::string id, int) override { Record("show " + id); }
+    void OnAcqStatisticUpdate(std::string name, bool) override { Record("statistics " + name); }
     void OnTimerNodeUpdate(std::string id, std::string node, std::string value) override
     {
         Record("timer " + id + " " + node + " " + value);
     }
     void OnImportUpdate(std::string text) override { Record("import " + text); }
-    void OnLoggerUpdate(std::string source, std::string level, std::string message) override
-    {
-        Record("log " + source + " " + level + " " + message);
-    }
-    void OnROIDrawUpdate(std::string id, int x, int y, int width, int height, int operation, int& index,
-                         bool& result, int extra1, int extra2) override
-    {
-        Record("roi " + id + " " + std::to_string(x + y + width + height + operation + extra1 + extra2));
-        if (m_roiAnswer) {
-            m_roiAnswer(index, result);
-        }
-    }
-    void OnCorrectionUpdate(std::string id, int kind, float value, void* data) override
-    {
-        Record("correction " + id + " " + std::to_string(kind) + " " + std::to_string(static_cast<int>(value)) +
-               (data ? " data" : " none"));
-    }
+    void OnLoggerUpdate(std::string source, std::string, std::string) override { Record("log " + source); }
+    void OnROIDrawUpdate(std::string id, int, int, int, int, int, int&, bool&, int, int) override { Record("roi " + id); }
+    void OnCorrectionUpdate(std::string id, int, float, void*) override { Record("correction " + id); }
     void OnLangUpdate(std::string language) override { Record("lang " + language); }
-    void OnCameraIdUpdate(std::string oldId, std::string newName) override
-    {
-        Record("cameraId " + oldId + " " + newName);
-    }
+    void OnCameraIdUpdate(std::string oldId, std::string) override { Record("cameraId " + oldId); }
 
     std::vector<std::string> Events() const { return m_events; }
-    std::function<void(int&, bool&)> m_roiAnswer;
 
 private:
     void Record(const std::string& event) { m_events.push_back(m_name + ": " + event); }
