@@ -22,6 +22,7 @@
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
+#include "support/common/WaitUntil.h"
 
 using namespace ViewerBiz3;
 using ::testing::Contains;
@@ -73,19 +74,6 @@ public:
         }
     }
 
-    // The condition reads through the locking getters below.
-    static bool WaitUntil(const std::function<bool()>& condition)
-    {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline) {
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        return true;
-    }
-
     std::vector<std::string> Cameras() const { return Locked(m_cameras); }
     std::vector<std::string> SingleUpdates() const { return Locked(m_singleUpdates); }
     std::vector<std::uint64_t> FrameWidths() const { return Locked(m_frameWidths); }
@@ -135,6 +123,7 @@ double SecondsSince(std::chrono::steady_clock::time_point start)
 class ApiSession : public ::testing::Test {
 protected:
     void SetUp() override { setenv("VIEWERBIZ3_SIMULATED_CAMERAS", "1", 1); }
+    void TearDown() override { unsetenv("VIEWERBIZ3_SIMULATED_CAMERAS"); }
 
     // Init, then this test's directory as the application directory; a second
     // Init reads the settings from there.
@@ -152,7 +141,7 @@ protected:
         ASSERT_EQ(0, RegisterDeviceListUpdateListener(&host));
         ASSERT_EQ(0, SetTLTypeList(SimulatedTransport));
         ASSERT_EQ(0, RefreshCameraList(static_cast<int>(SimulatedTransport)));
-        ASSERT_TRUE(SessionHost::WaitUntil([&] {
+        ASSERT_TRUE(WaitUntil([&] {
             const auto cameras = host.Cameras();
             return std::find(cameras.begin(), cameras.end(), AreaCamera) != cameras.end();
         }));
@@ -178,7 +167,7 @@ TEST_F(ApiSession, AHostListsOpensConfiguresGrabsAndClosesTheAreaCamera)
     ASSERT_EQ(0, OpenCamera(AreaCamera));
     EXPECT_THAT(GetOpenedCameraIds(), Contains(AreaCamera));
     EXPECT_EQ("1", GetCameraInfo(AreaCamera, CAM_OPENED));
-    EXPECT_TRUE(SessionHost::WaitUntil([&] { return !host.SingleUpdates().empty(); })) << "open is announced";
+    EXPECT_TRUE(WaitUntil([&] { return !host.SingleUpdates().empty(); })) << "open is announced";
 
     std::string width;
     EXPECT_EQ(0, SetCameraNodeValue(AreaCamera, "Width", "320"));
@@ -194,8 +183,8 @@ TEST_F(ApiSession, AHostListsOpensConfiguresGrabsAndClosesTheAreaCamera)
     ASSERT_EQ(0, RegisterImageUpdateListener(AreaCamera, &host));
     ASSERT_EQ(0, RegisterAcqStatisticUpdateListener(&host));
     ASSERT_EQ(0, StartGrab(AreaCamera));
-    EXPECT_TRUE(SessionHost::WaitUntil([&] { return host.FrameWidths().size() >= 3 && host.StatisticsFromGrab() > 0; }));
-    EXPECT_TRUE(SessionHost::WaitUntil([] { return GetCameraInfo(AreaCamera, CAM_FRAME_COUNT) != "0"; }));
+    EXPECT_TRUE(WaitUntil([&] { return host.FrameWidths().size() >= 3 && host.StatisticsFromGrab() > 0; }));
+    EXPECT_TRUE(WaitUntil([] { return GetCameraInfo(AreaCamera, CAM_FRAME_COUNT) != "0"; }));
     EXPECT_EQ(0, StopGrab(AreaCamera));
     EXPECT_EQ(0, UnRegisterAcqStatisticUpdateListener(&host));
     EXPECT_EQ(0, UnRegisterImageUpdateListener(AreaCamera, &host));
@@ -220,7 +209,7 @@ TEST_F(ApiSession, CloseCameraAndUnInitWhileGrabbingStopAtOnceAndInitWorksAgain)
         ASSERT_EQ(0, OpenCamera(id));
         ASSERT_EQ(0, StartGrab(id));
     }
-    ASSERT_TRUE(SessionHost::WaitUntil([&] { return viewer.frames.load() >= 5; }));
+    ASSERT_TRUE(WaitUntil([&] { return viewer.frames.load() >= 5; }));
 
     auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(0, CloseCamera(ShowModeCamera));
@@ -240,11 +229,11 @@ TEST_F(ApiSession, CloseCameraAndUnInitWhileGrabbingStopAtOnceAndInitWorksAgain)
     const std::uint64_t framesBefore = viewer.frames.load();
     ASSERT_EQ(-1, Init());
     ListSimulatedCameras();
-    ASSERT_TRUE(SessionHost::WaitUntil([] { return !GetCameraInfo(AreaCamera, CAM_NAME).empty(); }));
+    ASSERT_TRUE(WaitUntil([] { return !GetCameraInfo(AreaCamera, CAM_NAME).empty(); }));
     ASSERT_EQ(0, RegisterImageUpdateListener(AreaCamera, &viewer));
     ASSERT_EQ(0, OpenCamera(AreaCamera));
     ASSERT_EQ(0, StartGrab(AreaCamera));
-    EXPECT_TRUE(SessionHost::WaitUntil([&] { return viewer.frames.load() >= framesBefore + 3; }));
+    EXPECT_TRUE(WaitUntil([&] { return viewer.frames.load() >= framesBefore + 3; }));
     EXPECT_EQ(0, UnInit());
 }
 
@@ -256,7 +245,7 @@ TEST_F(ApiSession, ARenamedOpenCameraKeepsItsSingleEntry)
     ASSERT_EQ(0, OpenCamera(AreaCamera));
     ASSERT_EQ(0, SetCameraNodeValue(AreaCamera, "DeviceUserID", "Renamed"));
     ASSERT_EQ(0, RefreshCameraList(static_cast<int>(SimulatedTransport)));
-    EXPECT_TRUE(SessionHost::WaitUntil([] { return GetCameraInfo(AreaCamera, CAM_NAME) == "Renamed(SIM-AREA-01)"; }))
+    EXPECT_TRUE(WaitUntil([] { return GetCameraInfo(AreaCamera, CAM_NAME) == "Renamed(SIM-AREA-01)"; }))
         << "the open camera is recognised under its new name";
     const auto cameras = host.Cameras();
     EXPECT_EQ(1, std::count_if(cameras.begin(), cameras.end(),

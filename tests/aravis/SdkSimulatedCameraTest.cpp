@@ -110,18 +110,6 @@ TEST_F(SdkSimulatedCameraTest, DiscoveryListsOnlyTheSimulatedCamerasTheEnvironme
     EXPECT_TRUE(Discover(0).empty());
 }
 
-TEST_F(SdkSimulatedCameraTest, CameraLinkEnumerationIsEmptyOnAravis)
-{
-    EXPECT_TRUE(DiscoveryCLCards().empty());
-    EXPECT_TRUE(DiscoveryCLCameras().empty());
-    EXPECT_TRUE(GetCLSerials().empty());
-    EXPECT_TRUE(GetCLProtocols().empty());
-    ICamera* camera = CreateBySerial("SIM-AREA-01");
-    ASSERT_NE(camera, nullptr);
-    EXPECT_NE(camera->SetCLProtocol("x", "y"), SDK_OK);
-    EXPECT_EQ(CreateCamera(nullptr), nullptr);
-}
-
 TEST_F(SdkSimulatedCameraTest, OpenCameraOffersItsFeaturesAndARenameIsSeenByTheNextDiscovery)
 {
     ICamera* camera = CreateBySerial("SIM-AREA-01");
@@ -163,18 +151,6 @@ TEST_F(SdkSimulatedCameraTest, OpenCameraOffersItsFeaturesAndARenameIsSeenByTheN
     EXPECT_EQ(camera->GetModule3(), nullptr);
     EXPECT_EQ(camera->Close(), SDK_NOT_OPEN);
     EXPECT_EQ(second->Open(0), SDK_OK);
-}
-
-TEST_F(SdkSimulatedCameraTest, AnIdleOpenCameraIsProbedAndStaysConnected)
-{
-    ICamera* camera = OpenBySerial("SIM-AREA-01");
-    ASSERT_NE(camera, nullptr);
-    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-    EXPECT_TRUE(camera->IsConnected());
-    EXPECT_EQ(camera->Close(), SDK_OK);
-    IImage* image = nullptr;
-    EXPECT_EQ(camera->GetImage(image, 10), SDK_NOT_OPEN);
-    EXPECT_EQ(camera->StartGrabbing(0, 1), SDK_NOT_OPEN);
 }
 
 TEST_F(SdkSimulatedCameraTest, StreamsFramesPastThePoolWithIdsThatKeepCountingAcrossTheSixteenBitWrap)

@@ -24,6 +24,7 @@
 #include "support/common/StressRun.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
+#include "support/common/WaitUntil.h"
 
 using namespace ViewerBiz3;
 
@@ -51,14 +52,7 @@ StressScene SimulatedScene()
 
 bool WaitForListed(const std::string& id)
 {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
-    while (GetCameraInfo(id, CAM_NAME).empty()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
+    return WaitUntil([&] { return !GetCameraInfo(id, CAM_NAME).empty(); });
 }
 
 } // namespace
@@ -116,4 +110,5 @@ TEST(StressSimulated, HostThreadsOnSimulatedCamerasLeaveNothingBehind)
     ASSERT_EQ(-1, Init());
     EXPECT_EQ(settings, StressAllParameters());
     EXPECT_EQ(0, UnInit());
+    unsetenv("VIEWERBIZ3_SIMULATED_CAMERAS");
 }

@@ -17,6 +17,7 @@
 #include "support/common/FakeGigeCamera.h"
 #include "support/common/GigeDiscoveryStage.h"
 #include "support/common/GvcpResponderOnVeth.h"
+#include "support/common/RequireEnvironment.h"
 
 extern bool g_privateNetworkNamespace;
 extern std::string g_privateNetworkNamespaceFailure;
@@ -29,8 +30,7 @@ class DiscoveryGige : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        if (!g_privateNetworkNamespace)
-            GTEST_SKIP() << "needs a private network namespace: " << g_privateNetworkNamespaceFailure;
+        VB3_REQUIRE(g_privateNetworkNamespace, "needs a private network namespace: " << g_privateNetworkNamespaceFailure);
     }
 };
 
@@ -47,8 +47,7 @@ protected:
         std::copy(kForeignMac, kForeignMac + 6, identity.mac);
         camera = std::make_unique<GvcpResponderOnVeth>(identity, acknowledgesForceIp);
         std::string failure;
-        if (!camera->Start(failure))
-            GTEST_SKIP() << failure;
+        VB3_REQUIRE(camera->Start(failure), failure);
         stage = std::make_unique<GigeDiscoveryStage>();
         id = stage->WaitForListed(identity.serialNumber);
     }
@@ -62,8 +61,7 @@ protected:
 
 TEST_F(DiscoveryGige, SimulatedCameraIsDiscoveredOpenedAndStreamed)
 {
-    if (!FakeGigeCamera::ProgramAvailable())
-        GTEST_SKIP() << FakeGigeCamera::kProgram << " (aravis-tools) is not installed";
+    VB3_REQUIRE(FakeGigeCamera::ProgramAvailable(), FakeGigeCamera::kProgram << " (aravis-tools) is not installed");
     FakeGigeCamera device("VB3GVDISC");
     ASSERT_TRUE(device.Start()) << "the simulated GigE Vision camera did not come up";
     GigeDiscoveryStage stage;
@@ -95,8 +93,7 @@ TEST_F(DiscoveryGige, CameraBehindAVethIsAttachedToThatAdapter)
 {
     DeviceFakeGigeOnVeth device("VB3GVVETH");
     std::string failure;
-    if (!device.Start(failure))
-        GTEST_SKIP() << failure;
+    VB3_REQUIRE(device.Start(failure), failure);
     GigeDiscoveryStage stage;
     DeviceManager* manager = stage.manager;
     DeviceEventRecorder& events = stage.events;

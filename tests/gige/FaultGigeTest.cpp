@@ -23,6 +23,8 @@
 #include "support/common/FakeGigeCamera.h"
 #include "support/common/StressApiOperations.h"
 #include "support/common/TempDirectory.h"
+#include "support/common/WaitUntil.h"
+#include "support/common/RequireEnvironment.h"
 
 extern bool g_privateNetworkNamespace;
 extern std::string g_privateNetworkNamespaceFailure;
@@ -90,18 +92,6 @@ private:
     int m_lists = 0;
 };
 
-bool WaitFor(const std::function<bool()>& condition, std::chrono::seconds timeout)
-{
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return true;
-}
-
 bool IsOpened(const std::string& id)
 {
     const auto ids = GetOpenedCameraIds();
@@ -121,12 +111,8 @@ protected:
 
     void SetUp() override
     {
-        if (!g_privateNetworkNamespace) {
-            GTEST_SKIP() << "no private network namespace: " << g_privateNetworkNamespaceFailure;
-        }
-        if (!FakeGigeCamera::ProgramAvailable()) {
-            GTEST_SKIP() << FakeGigeCamera::kProgram << " is not installed";
-        }
+        VB3_REQUIRE(g_privateNetworkNamespace, "no private network namespace: " << g_privateNetworkNamespaceFailure);
+        VB3_REQUIRE(FakeGigeCamera::ProgramAvailable(), FakeGigeCamera::kProgram << " is not installed");
         ASSERT_TRUE(m_process.Start());
         ASSERT_EQ(-1, Init());
         m_initialized = true;
@@ -137,12 +123,12 @@ protected:
         ASSERT_EQ(0, RegisterDeviceListUpdateListener(&m_listed));
         ASSERT_EQ(0, RegisterLoggerUpdateListener(&m_logger));
         ASSERT_EQ(0, RefreshCameraList(GigE | Simulated));
-        ASSERT_TRUE(WaitFor([&] { return !m_listed.Find(m_process.SerialNumber()).empty(); }, std::chrono::seconds(20)));
+        ASSERT_TRUE(WaitUntil([&] { return !m_listed.Find(m_process.SerialNumber()).empty(); }));
         m_id = m_listed.Find(m_process.SerialNumber());
         ASSERT_EQ(0, OpenCamera(m_id));
         ASSERT_EQ(0, RegisterImageUpdateListener(m_id, &m_frames));
         ASSERT_EQ(0, StartGrab(m_id));
-        ASSERT_TRUE(WaitFor([&] { return m_frames.Of(m_id) >= 3; }, std::chrono::seconds(15))) << "frames arrive";
+        ASSERT_TRUE(WaitUntil([&] { return m_frames.Of(m_id) >= 3; })) << "frames arrive";
     }
 
     void TearDown() override
@@ -167,10 +153,10 @@ protected:
             return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         };
         const std::uint64_t lossesBefore = m_logger.lossLines.load();
-        ASSERT_TRUE(WaitFor([&] { return m_logger.lossLines.load() > lossesBefore; }, std::chrono::seconds(15)))
+        ASSERT_TRUE(WaitUntil([&] { return m_logger.lossLines.load() > lossesBefore; }))
             << fault << ": no \"Camera is lost.\" after 15 s";
         const double noticedAfter = secondsSinceStart();
-        ASSERT_TRUE(WaitFor([&] { return !IsOpened(m_id); }, std::chrono::seconds(15)))
+        ASSERT_TRUE(WaitUntil([&] { return !IsOpened(m_id); }))
             << fault << ": the camera is still open after 15 s";
         const double droppedAfter = secondsSinceStart();
         std::printf("%s: loss noticed after %.2f s, camera dropped after %.2f s\n", fault, noticedAfter,
@@ -181,7 +167,7 @@ protected:
     // Refreshes until the camera is in the device list again.
     bool ListedAgain()
     {
-        return WaitFor(
+        return WaitUntil(
             [&] {
                 RefreshCameraList(GigE);
                 return !GetCameraInfo(m_id, CAM_NAME).empty();
@@ -202,19 +188,17 @@ protected:
 TEST_F(FaultGige, AKilledCameraProcessIsNoticedDroppedAndListedAgainWhenBack)
 {
     // Another camera grabs all along.
-    ASSERT_TRUE(WaitFor([&] { return !GetCameraInfo(SimulatedAreaCamera, CAM_NAME).empty(); }, std::chrono::seconds(10)));
+    ASSERT_TRUE(WaitUntil([&] { return !GetCameraInfo(SimulatedAreaCamera, CAM_NAME).empty(); }));
     ASSERT_EQ(0, OpenCamera(SimulatedAreaCamera));
     ASSERT_EQ(0, StartGrab(SimulatedAreaCamera));
 
     m_process.Kill();
     ASSERT_NO_FATAL_FAILURE(ExpectLossNoticedAndCameraDropped("killed camera process", kKilledHandledDeadlineSeconds));
     const std::uint64_t otherCameraFrames = m_frames.Of(SimulatedAreaCamera);
-    EXPECT_TRUE(WaitFor([&] { return m_frames.Of(SimulatedAreaCamera) >= otherCameraFrames + 3; },
+    EXPECT_TRUE(WaitUntil([&] { return m_frames.Of(SimulatedAreaCamera) >= otherCameraFrames + 3; },
         std::chrono::seconds(10)))
         << "the other camera keeps streaming";
     EXPECT_EQ("1", GetCameraInfo(SimulatedAreaCamera, CAM_GRABBING));
-    std::this_thread::sleep_for(std::chrono::seconds(2));
-    EXPECT_EQ(1u, m_logger.lossLines.load()) << "\"Camera is lost.\" is logged once";
 
     // The library keeps serving.
     EXPECT_EQ(static_cast<unsigned long long>(GigE | Simulated), GetTLTypeList());
@@ -226,6 +210,8 @@ TEST_F(FaultGige, AKilledCameraProcessIsNoticedDroppedAndListedAgainWhenBack)
     EXPECT_TRUE(ListedAgain()) << "the restarted camera is listed again";
     EXPECT_EQ(0, OpenCamera(m_id));
     EXPECT_EQ(0, CloseCamera(m_id));
+    // Several watchdog rounds have passed since the loss.
+    EXPECT_EQ(1u, m_logger.lossLines.load()) << "\"Camera is lost.\" is logged once";
 }
 
 // A viewer that quits right after a cable pull does not wait for Aravis to give up on the device,
@@ -263,11 +249,11 @@ TEST_F(FaultGige, ACameraThatFallsSilentIsNoticedDroppedAndUsableWhenItAnswersAg
 
     m_process.Thaw();
     ASSERT_TRUE(ListedAgain()) << "the camera that answers again is listed again";
-    ASSERT_TRUE(WaitFor([&] { return OpenCamera(m_id) == 0; }, std::chrono::seconds(15)))
+    ASSERT_TRUE(WaitUntil([&] { return OpenCamera(m_id) == 0; }))
         << "the camera can be opened again";
     const std::uint64_t framesBefore = m_frames.Of(m_id);
     ASSERT_EQ(0, StartGrab(m_id));   // the image listener, registered once, serves every camera
-    EXPECT_TRUE(WaitFor([&] { return m_frames.Of(m_id) >= framesBefore + 3; }, std::chrono::seconds(15)))
+    EXPECT_TRUE(WaitUntil([&] { return m_frames.Of(m_id) >= framesBefore + 3; }))
         << "frames arrive again; the camera counted " << GetCameraInfo(m_id, CAM_FRAME_COUNT) << " frames and "
         << GetCameraInfo(m_id, CAM_ERROR_COUNT) << " errors, open: " << IsOpened(m_id)
         << ", losses: " << m_logger.lossLines.load();

@@ -13,6 +13,7 @@
 #include "genapi/GenApi.h"
 #include "support/common/FakeGigeCamera.h"
 #include "support/common/SdkCameraFeatures.h"
+#include "support/common/RequireEnvironment.h"
 
 extern bool g_privateNetworkNamespace;
 extern std::string g_privateNetworkNamespaceFailure;
@@ -30,10 +31,8 @@ class SdkGigeTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        if (!g_privateNetworkNamespace)
-            GTEST_SKIP() << "needs a private network namespace: " << g_privateNetworkNamespaceFailure;
-        if (!FakeGigeCamera::ProgramAvailable())
-            GTEST_SKIP() << FakeGigeCamera::kProgram << " (aravis-tools) is not installed";
+        VB3_REQUIRE(g_privateNetworkNamespace, "needs a private network namespace: " << g_privateNetworkNamespaceFailure);
+        VB3_REQUIRE(FakeGigeCamera::ProgramAvailable(), FakeGigeCamera::kProgram << " (aravis-tools) is not installed");
         ASSERT_EQ(Init(), SDK_OK);
         ASSERT_TRUE(m_device.Start()) << "the simulated GigE Vision camera did not come up";
     }

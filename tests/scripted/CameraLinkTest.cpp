@@ -50,6 +50,7 @@ TEST_F(CameraLinkTest, RefreshListsCardsAndCamerasBesideTheDeviceList)
     EXPECT_TRUE(Contains(list.second, CAMERA_ID));
     EXPECT_TRUE(Contains(list.second, "Scripted-CL(G1)"));
     EXPECT_EQ(Manager().GetCameraInfo(CAMERA_ID, ViewerBiz3::CAM_KIND), "4");
+    EXPECT_EQ(Manager().GetCameraInfo(CAMERA_ID, ViewerBiz3::CAM_NAME), CAMERA_ID);
     EXPECT_EQ(Manager().GetCameraInfo(CAMERA_ID, ViewerBiz3::CAM_LIST_KEY), "card0");
     EXPECT_EQ(Manager().GetCameraInfo("Scripted-CL(G1)", ViewerBiz3::CAM_LIST_KEY), "GenCPCamera");
     EXPECT_EQ(Manager().GetCardInfo("card0", ViewerBiz3::CARD_OPENED), "0");

@@ -11,6 +11,7 @@
 #include "support/common/CameraLogRecorder.h"
 #include "support/common/CameraTestHost.h"
 #include "support/scripted/ScriptedSdk.h"
+#include "support/common/WaitUntil.h"
 
 using ViewerBiz3::CAM_INFO;
 
@@ -21,16 +22,9 @@ const std::string cameraKey = "Line3(S1)";
 const std::string adapterKey = "eth0[169.254.10.1]";
 constexpr uint64_t allTransports = ~0ull;
 
-// The only device of a fresh registry (tests may share a process when run by hand).
-Scripted::ScriptedDevice& OnlyDevice(Scripted::DeviceDescription description)
-{
-    Scripted::ScriptedSdk::Instance().Reset();
-    return Scripted::ScriptedSdk::Instance().AddDevice(std::move(description));
-}
-
 class CameraTest : public ::testing::Test {
 protected:
-    Scripted::ScriptedDevice& device = OnlyDevice(Scripted::AreaCamera(serialNumber, "Line3"));
+    Scripted::ScriptedDevice& device = Scripted::OnlyDevice(Scripted::AreaCamera(serialNumber, "Line3"));
     CameraLogRecorder log;
     CameraTestHost host;
 
@@ -71,27 +65,6 @@ TEST_F(CameraTest, OpensOnceAndClosesWithItsMessages)
 
     // Closed cameras can be opened again.
     EXPECT_EQ(camera->OpenCamera(1), 0);
-}
-
-TEST_F(CameraTest, OpenPassesTheDeviceRefusalOn)
-{
-    device.SetResult(Scripted::SdkCall::Open, ZYLGENICAM::SDK_ACCESS_DENIED);
-    Camera* camera = DiscoveredCamera();
-
-    EXPECT_EQ(camera->OpenCamera(1), ZYLGENICAM::SDK_ACCESS_DENIED);
-    EXPECT_TRUE(log.Contains("Error", "Failed to open the camera, errorcode = -5"));
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_OPENED), "0");
-}
-
-TEST_F(CameraTest, OpenWithoutFeatureNodeMapClosesTheDeviceAgain)
-{
-    device.SetModuleMissing(3, true);
-    Camera* camera = DiscoveredCamera();
-
-    EXPECT_EQ(camera->OpenCamera(1), -2);
-    EXPECT_TRUE(log.Contains("Error", "Failed to open the camera, camera node map is NULL"));
-    EXPECT_EQ(device.Counters().closes, 1u);
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_OPENED), "0");
 }
 
 TEST_F(CameraTest, CloseWithoutHandleOrOpenDevice)
@@ -156,49 +129,6 @@ TEST_F(CameraTest, FailedNodeAccessIsLoggedWithTheNodeName)
     }
 }
 
-TEST_F(CameraTest, InformationFieldsStartWithTheirDefaults)
-{
-    Camera camera(nullptr);
-
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_HOST_TEXT41), "---");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_HOST_TEXT40), "-");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_HOST_TEXT42), "-, -");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_HOST_TEXT43), "- - -");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_IMAGE_BITS), "16");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_SAMPLING_RATIO), "4");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_CONTOUR_SPACER), "0.002");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_REAL_COLOR), "0");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_PROFILE_TEXT54), "0");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_TEXT67), "0");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_TEXT68), "3199");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_Z_UP_SIZE), "");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_KIND), "0");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_FRAME_COUNT), "0");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_FRAME_RATE), "0.000");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_BANDWIDTH), "0.000");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_DISPLAY_RATE), "0.000");
-    EXPECT_EQ(camera.GetInfo(static_cast<CAM_INFO>(7)), "");
-    EXPECT_EQ(camera.GetInfo(static_cast<CAM_INFO>(1000)), "");
-}
-
-TEST_F(CameraTest, DiscoveryTextsAnswerUnderTheirSecondNumbers)
-{
-    Camera camera(nullptr);
-    camera.SetText(ViewerBiz3::CAM_MODEL_NAME, "VB-100");
-    camera.SetText(ViewerBiz3::CAM_DEVICE_TEXT, "ScriptedVision");
-    camera.SetText(ViewerBiz3::CAM_SERIAL, "S1");
-    camera.SetKind(5);
-    camera.SetSameSegment(true);
-
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_MODEL_NAME_ALT), "VB-100");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_DEVICE_TEXT_ALT), "ScriptedVision");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_SERIAL_ALT), "S1");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_KIND), "5");
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_SAME_SEGMENT), "1");
-    EXPECT_EQ(camera.SetText(ViewerBiz3::CAM_SERIAL_ALT, "S2"), -1);
-    EXPECT_EQ(camera.GetInfo(ViewerBiz3::CAM_SERIAL), "S1");
-}
-
 TEST_F(CameraTest, HostMayOnlySetItsOwnTexts)
 {
     Camera* camera = DiscoveredCamera();
@@ -244,11 +174,11 @@ TEST_F(CameraTest, LostCameraIsStoppedLoggedOnceAndRemoved)
     Camera* camera = DiscoveredCamera();
     ASSERT_EQ(camera->OpenCamera(1), 0);
     ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return host.ImagesWithPicture() > 0; }));
+    ASSERT_TRUE(WaitUntil([&] { return host.ImagesWithPicture() > 0; }));
 
     device.Lose();
 
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return !host.Removed().empty(); }));
+    ASSERT_TRUE(WaitUntil([&] { return !host.Removed().empty(); }));
     EXPECT_EQ(host.Removed(), std::vector<std::string>{cameraKey});
     EXPECT_FALSE(host.Owns(cameraKey));
     EXPECT_EQ(log.Count("Camera is lost."), 1u);
@@ -276,10 +206,10 @@ TEST_F(CameraTest, LostCameraLinkCameraBecomesAPlaceholder)
 
     device.Lose();
 
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return !host.AddedCLCameras().empty(); }));
+    ASSERT_TRUE(WaitUntil([&] { return !host.AddedCLCameras().empty(); }));
     EXPECT_EQ(host.AddedCLCameras()[0], camera.get());
     EXPECT_EQ(host.Removed(), std::vector<std::string>{cameraKey});
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return !host.DeviceLists().back().withArguments; }));
+    ASSERT_TRUE(WaitUntil([&] { return !host.DeviceLists().back().withArguments; }));
     EXPECT_EQ(camera->GetName(), "Virtual camera-2");
     EXPECT_EQ(camera->GetKey(), "Virtual camera-2");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_SERIAL), "NA");
@@ -287,21 +217,6 @@ TEST_F(CameraTest, LostCameraLinkCameraBecomesAPlaceholder)
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_TEXT59), "1");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_TEXT60), "0");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_OPENED), "0");
-}
-
-TEST_F(CameraTest, WithoutHostALostCameraOnlyLogs)
-{
-    SetCameraHost(nullptr);
-    Camera camera(CreateCameraHandle(allTransports, serialNumber));
-    camera.SetName(cameraKey);
-    ASSERT_EQ(camera.OpenCamera(1), 0);
-
-    device.Lose();
-
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return camera.GetInfo(ViewerBiz3::CAM_ONLINE) == "0"; }));
-    EXPECT_TRUE(CameraTestHost::WaitUntil([&] { return log.Count("Camera is lost.") == 1; }));
-    EXPECT_TRUE(host.Removed().empty());
-    EXPECT_TRUE(host.DeviceLists().empty());
 }
 
 TEST_F(CameraTest, AddressChangeOnlyWhileClosed)

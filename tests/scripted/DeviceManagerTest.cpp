@@ -9,39 +9,18 @@
 #include "device/DeviceManager.h"
 #include "support/common/CameraLogRecorder.h"
 #include "support/common/DeviceScriptedDevices.h"
-#include "support/common/DeviceTestBench.h"
+#include "support/common/ScriptedDeviceManagerTest.h"
+#include "support/common/WaitUntil.h"
 
 using DeviceScripted::AddGigECamera;
 using Events = DeviceEventRecorder::Events;
 
 namespace {
 
-// Polls until the condition holds; false after ten seconds.
-template <typename Condition>
-bool Eventually(Condition condition)
-{
-    for (int wait = 0; wait < 500; ++wait) {
-        if (condition())
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return condition();
-}
-
 const char* const CONFLICT_LINE = "Ip conflict.Please check if there are devices with the same IP address.";
 
-class DeviceManagerTest : public ::testing::Test {
+class DeviceManagerTest : public ScriptedDeviceManagerTest {
 protected:
-    void SetUp() override
-    {
-        if (!bench.Ready())
-            GTEST_SKIP() << bench.Failure();
-        // Devices of an earlier test in the same process must not be discovered here.
-        Scripted::ScriptedSdk::Instance().Reset();
-    }
-
-    DeviceManager& Manager() { return bench.Manager(); }
-
     // Adds the devices, runs one pass and checks the identifiers are listed.
     void Discover(const std::vector<std::string>& expectedIds)
     {
@@ -50,8 +29,6 @@ protected:
         for (const std::string& id : expectedIds)
             ASSERT_NE(std::find(listed.begin(), listed.end(), id), listed.end()) << id << " not discovered";
     }
-
-    DeviceTestBench bench;
 };
 
 } // namespace
@@ -335,8 +312,8 @@ TEST_F(DeviceManagerTest, LostCameraLeavesBothListsAndItsObjectIsFreedByTheNextP
     ASSERT_EQ(Manager().OpenCamera("Lost(L1)"), 0);
     ASSERT_EQ(Manager().StartGrab("Lost(L1)"), 0);
     device.Lose();
-    EXPECT_TRUE(Eventually([this] { return Manager().GetOpenedCameraIds().empty(); }));
-    EXPECT_TRUE(Eventually([this] { return Manager().GetCameraInfo("Lost(L1)", ViewerBiz3::CAM_NAME).empty(); }));
+    EXPECT_TRUE(WaitUntil([this] { return Manager().GetOpenedCameraIds().empty(); }));
+    EXPECT_TRUE(WaitUntil([this] { return Manager().GetCameraInfo("Lost(L1)", ViewerBiz3::CAM_NAME).empty(); }));
     device.SetPresent(false);
     Discover({});
     EXPECT_TRUE(device.WaitUntil([](const Scripted::DeviceCounters& c) { return c.camerasCreated == c.camerasDestroyed; }))
@@ -360,5 +337,5 @@ TEST_F(DeviceManagerTest, AddressChangeIsRefusedWhileOpenAndRefreshesTheListOthe
     EXPECT_TRUE(device.Counters().cameraIPCalls[0].persistent);
     ASSERT_TRUE(bench.WaitForPasses(lists + 1)) << "the change asks for a GigE refresh";
     // A pass that searched before the change may come first; the requested one follows.
-    EXPECT_TRUE(Eventually([this] { return Manager().GetCameraInfo("Addr(P1)", ViewerBiz3::CAM_IP) == "169.254.10.99"; }));
+    EXPECT_TRUE(WaitUntil([this] { return Manager().GetCameraInfo("Addr(P1)", ViewerBiz3::CAM_IP) == "169.254.10.99"; }));
 }

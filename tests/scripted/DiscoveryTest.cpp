@@ -11,6 +11,7 @@
 #include "support/common/DeviceScriptedDevices.h"
 #include "support/common/DeviceTestBench.h"
 #include "support/common/ScriptedDeviceManagerTest.h"
+#include "support/common/WaitUntil.h"
 
 using DeviceScripted::AddGigECamera;
 using DeviceScripted::AddUsbCamera;
@@ -57,6 +58,7 @@ TEST_F(DiscoveryTest, PassListsGigEUsbAndSimulatedDevicesUnderTheirAdapters)
     EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_MASK), "255.255.0.0");
     EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_SERIAL), "A1");
     EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_MODEL_NAME), "Scripted-Area");
+    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_DEVICE_TEXT2), "1.0.0");
     EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_LIST_KEY), "usbCard");
     EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_KIND), "3");
     EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_SAME_SEGMENT), "1");
@@ -168,7 +170,7 @@ TEST_F(DiscoveryTest, RenamedOpenedUsbCameraIsReKeyedAndRemovedWhenLost)
     EXPECT_EQ(list.second, std::vector<std::string>{"Old(U1)"});
     EXPECT_EQ(Pass().second, std::vector<std::string>{"New(U1)"});
     device.Lose();
-    EXPECT_TRUE(CameraTestHost::WaitUntil([this] { return Manager().GetOpenedCameraIds().empty(); }))
+    EXPECT_TRUE(WaitUntil([this] { return Manager().GetOpenedCameraIds().empty(); }))
         << "the lost camera is found though it reports the key it was opened with";
     EXPECT_EQ(Info("New(U1)", ViewerBiz3::CAM_NAME), "");
 }
@@ -225,7 +227,7 @@ TEST_F(DiscoveryTest, ManagerGoesAwayWhileAPassIsRunning)
     auto& device = AddGigECamera("A1", "Cam", "169.254.10.20", "02:00:00:00:00:01");
     ScriptedSdk::Instance().SetDiscoveryDelay(std::chrono::milliseconds(500));
     Manager().RefreshDeviceList(1);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    ASSERT_TRUE(WaitUntil([] { return ScriptedSdk::Instance().Counters().discoveries >= 1; }));
     bench.ReleaseManager();
     EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 0u) << "the dropped pass publishes nothing";
     EXPECT_EQ(device.Counters().recordsCreated, device.Counters().recordsDestroyed);

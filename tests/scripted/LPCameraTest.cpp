@@ -10,6 +10,7 @@
 #include "support/common/CameraLogRecorder.h"
 #include "support/common/CameraTestHost.h"
 #include "support/scripted/ScriptedSdk.h"
+#include "support/common/WaitUntil.h"
 
 namespace {
 
@@ -55,12 +56,6 @@ Scripted::DeviceDescription ProfileDevice(const std::string& moduleXml = "")
     return description;
 }
 
-Scripted::ScriptedDevice& OnlyDevice(Scripted::DeviceDescription description)
-{
-    Scripted::ScriptedSdk::Instance().Reset();
-    return Scripted::ScriptedSdk::Instance().AddDevice(std::move(description));
-}
-
 FrameStep ProfileFrame(uint64_t frameId, std::vector<uint64_t> chunkSizes)
 {
     return FrameStep::Frame(frameId, 3200, 1, Scripted::PFNC_COORD3D_C16).Chunks(std::move(chunkSizes));
@@ -74,7 +69,7 @@ protected:
 
     LPCamera* OpenedCamera(Scripted::DeviceDescription description = ProfileDevice())
     {
-        device = &OnlyDevice(std::move(description));
+        device = &Scripted::OnlyDevice(std::move(description));
         auto camera = std::make_unique<LPCamera>(CreateCameraHandle(~0ull, serialNumber));
         camera->SetName(cameraKey);
         camera->SetKey(cameraKey);
@@ -126,18 +121,6 @@ TEST_F(LPCameraTest, OpenReadsTheProfileSettingsOfTheDevice)
     // 128.0 / 3200
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_CONTOUR_SPACER), "0.040000");
     EXPECT_EQ(DeviceValue("CenterImageY"), "Off");
-}
-
-TEST_F(LPCameraTest, OpenFallsBackWhenTheDeviceLacksProfileFeatures)
-{
-    Scripted::DeviceDescription areaDevice = Scripted::AreaCamera(serialNumber, "Profile");
-    LPCamera* camera = OpenedCamera(areaDevice);
-
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_UP_SIZE), "9");
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_DOWN_SIZE), "-9");
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_CONTOUR_SPACER), "0.035000");
-    // No switch could be read: the mode stays as constructed.
-    EXPECT_EQ(camera->GetCameraImageMode(), 1);
 }
 
 TEST_F(LPCameraTest, ImageModesRoundTripThroughTheSwitches)
@@ -242,13 +225,13 @@ TEST_F(LPCameraTest, LimitedBatchAcquisitionStopsAfterItsFrames)
 
     ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
 
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return log.Contains("Info", "Stop grab image..."); }));
+    ASSERT_TRUE(WaitUntil([&] { return log.Contains("Info", "Stop grab image..."); }));
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_GRABBING), "0");
     EXPECT_EQ(host.ImagesWithPicture(), 10u);
     EXPECT_EQ(device->Counters().stopGrabbings, 1u);
     // The switch is reset once the grab thread is parked again.
-    EXPECT_TRUE(CameraTestHost::WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_ACQ_LIMIT) == "0"; }));
-    EXPECT_TRUE(CameraTestHost::WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
+    EXPECT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_ACQ_LIMIT) == "0"; }));
+    EXPECT_TRUE(WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
     EXPECT_EQ(device->Counters().doubleReleases, 0u);
 }
 
@@ -262,8 +245,8 @@ TEST_F(LPCameraTest, ZeroBatchNumberStopsALimitedAcquisitionAtOnce)
 
     ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
 
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_GRABBING) == "0"; }));
-    EXPECT_TRUE(CameraTestHost::WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
+    ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_GRABBING) == "0"; }));
+    EXPECT_TRUE(WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
 }
 
 TEST_F(LPCameraTest, DeliveryCarriesModeAndScaler)
@@ -274,10 +257,10 @@ TEST_F(LPCameraTest, DeliveryCarriesModeAndScaler)
     device->SetFrameScript(FrameScript().Period(10ms));
 
     ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return host.ImagesWithPicture() >= 2; }));
+    ASSERT_TRUE(WaitUntil([&] { return host.ImagesWithPicture() >= 2; }));
     ASSERT_EQ(camera->StopGrab(false), 0);
 
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return !host.Images().back().withImage; }));
+    ASSERT_TRUE(WaitUntil([&] { return !host.Images().back().withImage; }));
     const auto images = host.Images();
     EXPECT_EQ(images.front().extra1, 0);
     EXPECT_EQ(images.front().extra2, 1000);
@@ -313,7 +296,7 @@ TEST_F(LPCameraTest, TimeoutCodesAreNotErrorsButFailuresAre)
                                .Then(WhenExhausted::KeepTimingOut));
 
     ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_FRAME_COUNT) == "3"; }));
+    ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_FRAME_COUNT) == "3"; }));
     ASSERT_EQ(camera->StopGrab(false), 0);
 
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_ERROR_COUNT), "1");

@@ -11,6 +11,7 @@
 #include "device/DeviceManager.h"
 #include "device/NetworkAdapters.h"
 #include "support/common/NetworkNamespace.h"
+#include "support/common/RequireEnvironment.h"
 
 namespace {
 
@@ -84,8 +85,7 @@ TEST(NetworkAdapters, VethOfTheTestNamespaceIsListedLoopbackIsNot)
 {
     NetworkNamespace space({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, "", "02:00:00:00:10:01"},
                             NetworkNamespace::Veth{"vb3c", "vb3d", "169.254.20.1", 24, "169.254.20.2", ""}});
-    if (!space.IsReady())
-        GTEST_SKIP() << space.Failure();
+    VB3_REQUIRE(space.IsReady(), space.Failure());
     std::string listing;
     ASSERT_TRUE(space.RunInside(DescribeAdaptersSeenHere, listing));
     EXPECT_NE(listing.find("vb3a[169.254.10.1]|1|vb3a|02:00:00:00:10:01|169.254.10.1|255.255.0.0|0.0.0.0|0\n"),
@@ -102,8 +102,7 @@ TEST(NetworkAdapters, VethOfTheTestNamespaceIsListedLoopbackIsNot)
 TEST(NetworkAdapters, InterfaceDownIsNotListed)
 {
     NetworkNamespace space({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, "", ""}});
-    if (!space.IsReady())
-        GTEST_SKIP() << space.Failure();
+    VB3_REQUIRE(space.IsReady(), space.Failure());
     ASSERT_TRUE(space.Ip("link set vb3a down"));
     std::string listing;
     ASSERT_TRUE(space.RunInside(DescribeAdaptersSeenHere, listing));
@@ -113,8 +112,7 @@ TEST(NetworkAdapters, InterfaceDownIsNotListed)
 TEST(NetworkAdapters, MacAddressOfAnInterfaceInTheNamespace)
 {
     NetworkNamespace space({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, "", "02:ab:cd:00:00:7f"}});
-    if (!space.IsReady())
-        GTEST_SKIP() << space.Failure();
+    VB3_REQUIRE(space.IsReady(), space.Failure());
     std::string text;
     ASSERT_TRUE(space.RunInside([] { return GetMACAddress("vb3a") + "," + GetMACAddress("missing0"); }, text));
     EXPECT_EQ(text, "02:AB:CD:00:00:7F,");

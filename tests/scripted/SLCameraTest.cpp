@@ -1,7 +1,6 @@
 // The show-mode camera: its stored show mode and its chunk-sized statistics.
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <memory>
 
 #include "camera/SLCamera.h"
@@ -9,6 +8,7 @@
 #include "support/common/CameraLogRecorder.h"
 #include "support/common/CameraTestHost.h"
 #include "support/scripted/ScriptedSdk.h"
+#include "support/common/WaitUntil.h"
 
 namespace {
 
@@ -20,15 +20,9 @@ using Scripted::WhenExhausted;
 const std::string serialNumber = "SL1";
 const std::string cameraKey = "Show(SL1)";
 
-Scripted::ScriptedDevice& OnlyDevice(Scripted::DeviceDescription description)
-{
-    Scripted::ScriptedSdk::Instance().Reset();
-    return Scripted::ScriptedSdk::Instance().AddDevice(std::move(description));
-}
-
 class SLCameraTest : public ::testing::Test {
 protected:
-    Scripted::ScriptedDevice& device = OnlyDevice(Scripted::AreaCamera(serialNumber, "Show"));
+    Scripted::ScriptedDevice& device = Scripted::OnlyDevice(Scripted::AreaCamera(serialNumber, "Show"));
     CameraLogRecorder log;
     CameraTestHost host;
 
@@ -47,23 +41,13 @@ protected:
     static double Info(Camera* camera, ViewerBiz3::CAM_INFO info) { return std::stod(camera->GetInfo(info)); }
 };
 
-TEST_F(SLCameraTest, ShowModeIsStoredAsGiven)
-{
-    SLCamera camera(nullptr);
-    EXPECT_EQ(camera.GetCameraShowMode(), 0);
-    for (int mode : {3, -7, INT_MAX, 0}) {
-        EXPECT_EQ(camera.SetCameraShowMode(mode), 0);
-        EXPECT_EQ(camera.GetCameraShowMode(), mode);
-    }
-}
-
 TEST_F(SLCameraTest, BandwidthCountsTheBytesOfAllChunks)
 {
     // 1 000 000 + 250 000 bytes a frame are 10 Mbit, whatever the pixel format says.
     SLCamera* camera = GrabbingCamera(
         FrameScript::Empty().Add(FrameStep::Frame(1, 8, 8).Chunks({1000000, 250000})).Period(20ms));
 
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return Info(camera, ViewerBiz3::CAM_FRAME_COUNT) >= 20; }));
+    ASSERT_TRUE(WaitUntil([&] { return Info(camera, ViewerBiz3::CAM_FRAME_COUNT) >= 20; }));
     const double rate = Info(camera, ViewerBiz3::CAM_FRAME_RATE);
     ASSERT_GT(rate, 0);
     EXPECT_NEAR(Info(camera, ViewerBiz3::CAM_BANDWIDTH) / rate, 10.0, 0.01);
@@ -74,7 +58,7 @@ TEST_F(SLCameraTest, FramesWithoutChunksCountButCarryNoBandwidth)
 {
     SLCamera* camera = GrabbingCamera(FrameScript::Empty().Add(FrameStep::Frame(1)).Period(20ms));
 
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return Info(camera, ViewerBiz3::CAM_FRAME_RATE) > 0; }));
+    ASSERT_TRUE(WaitUntil([&] { return Info(camera, ViewerBiz3::CAM_FRAME_RATE) > 0; }));
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_BANDWIDTH), "0.000");
     ASSERT_EQ(camera->StopGrab(false), 0);
     EXPECT_EQ(device.Counters().ImagesOutstanding(), 0u);
@@ -93,7 +77,7 @@ TEST_F(SLCameraTest, FrameIdsAreNotCheckedAndFailuresReportTheirOwnId)
                                           }())
                                           .Then(WhenExhausted::KeepTimingOut));
 
-    ASSERT_TRUE(CameraTestHost::WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_ERROR_COUNT) == "2"; }));
+    ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_ERROR_COUNT) == "2"; }));
     ASSERT_EQ(camera->StopGrab(false), 0);
     EXPECT_EQ(log.Count("The frame id increment"), 0u);
     EXPECT_TRUE(log.Contains("Error", "Failed to get image, errorcode = -5, frameId = 0"));

@@ -190,6 +190,7 @@ TEST(Stress, HostThreadsSurviveLostCamerasAndLeaveNothingBehind)
     WaitForProcessThreadCount(0, std::chrono::seconds(1));
     const std::size_t threadsBefore = ProcessThreadCount();
 
+    Scripted::ScriptedSdk::Instance().Reset();
     DeviceGenerations generations;
     for (auto& description : StressCameras()) {
         generations.Add(Scripted::ScriptedSdk::Instance().AddDevice(description));

@@ -55,102 +55,6 @@ TEST_F(GenApiNodeMap, FindsNodesByNameAndKeepsThemStable) {
     EXPECT_EQ(nodeMap->GetNode("EnumEntry_PixelFormat_Nothing"), nullptr);
 }
 
-TEST_F(GenApiNodeMap, ListsEveryNodeOnce) {
-    NodeList_t nodes;
-    nodeMap->GetNodes(nodes);
-    const std::vector<std::string> names = NamesOf(nodes);
-    for (const char* expected : {"Root", "Width", "PixelFormat", "EnumEntry_PixelFormat_RGB8", "LutTable", "Device"}) {
-        EXPECT_EQ(std::count(names.begin(), names.end(), expected), 1) << expected;
-    }
-    EXPECT_EQ(nodes.front(), nodeMap->GetNode("Root"));
-}
-
-TEST_F(GenApiNodeMap, ReportsThePrincipalInterfaceOfEveryNodeType) {
-    const std::vector<std::pair<const char*, EInterfaceType>> expected = {
-        {"Width", intfIInteger},
-        {"DeviceTemperatureRaw", intfIInteger},
-        {"Gain", intfIFloat},
-        {"ReverseX", intfIBoolean},
-        {"DeviceUserID", intfIString},
-        {"AcquisitionStart", intfICommand},
-        {"PixelFormat", intfIEnumeration},
-        {"EnumEntry_PixelFormat_Mono8", intfIEnumEntry},
-        {"Root", intfICategory},
-        {"LutTable", intfIRegister},
-        {"Device", intfIPort}};
-    for (const auto& [name, type] : expected) {
-        ASSERT_NE(nodeMap->GetNode(name), nullptr) << name;
-        EXPECT_EQ(nodeMap->GetNode(name)->GetPrincipalInterfaceType(), type) << name;
-    }
-}
-
-TEST_F(GenApiNodeMap, SmartPointersCastToTheNodesInterfaceOnly) {
-    CIntegerPtr width = nodeMap->GetNode("Width");
-    CFloatPtr widthAsFloat = nodeMap->GetNode("Width");
-    CIntegerPtr enumerationAsInteger = nodeMap->GetNode("PixelFormat");
-    CEnumerationPtr enumeration = nodeMap->GetNode("PixelFormat");
-    CIntegerPtr missing = nodeMap->GetNode("NoSuchNode");
-    CNodePtr node(width->GetNode());
-
-    EXPECT_TRUE(width.IsValid());
-    EXPECT_FALSE(widthAsFloat.IsValid());
-    EXPECT_FALSE(enumerationAsInteger);
-    EXPECT_TRUE(enumeration);
-    EXPECT_FALSE(missing.IsValid());
-    EXPECT_EQ(std::string(node->GetName()), "Width");
-    EXPECT_FALSE(IsReadable(missing));
-    EXPECT_FALSE(IsWritable(widthAsFloat));
-
-    try {
-        missing->GetValue();
-        FAIL() << "an empty pointer was dereferenced without an exception";
-    } catch (const GenICam::LogicalErrorException& exception) {
-        EXPECT_STREQ(exception.GetDescription(), "NULL pointer dereferenced");
-    }
-    EXPECT_THROW(*widthAsFloat, GenICam::LogicalErrorException);
-}
-
-TEST_F(GenApiNodeMap, DescribesNodesAsTheHostShowsThem) {
-    INode* width = nodeMap->GetNode("Width");
-    EXPECT_EQ(std::string(width->GetDisplayName()), "Image Width");
-    EXPECT_EQ(std::string(width->GetToolTip()), "Width of the image in pixels.");
-    EXPECT_EQ(std::string(width->GetDescription()), "Width of the image provided by the device, in pixels.");
-    EXPECT_EQ(std::string(nodeMap->GetNode("Height")->GetDisplayName()), "Height");
-    EXPECT_EQ(std::string(nodeMap->GetNode("Height")->GetToolTip()), "");
-
-    EXPECT_EQ(width->GetVisibility(), Beginner);
-    EXPECT_EQ(nodeMap->GetNode("Height")->GetVisibility(), Expert);
-    EXPECT_EQ(nodeMap->GetNode("SensorWidth")->GetVisibility(), Guru);
-    EXPECT_EQ(nodeMap->GetNode("DeviceKey")->GetVisibility(), Invisible);
-    EXPECT_EQ(nodeMap->GetNode("Gain")->GetVisibility(), Beginner);
-
-    EXPECT_TRUE(width->IsFeature());
-    EXPECT_TRUE(nodeMap->GetNode("ImageFormatControl")->IsFeature());
-    EXPECT_FALSE(nodeMap->GetNode("OneFlag")->IsFeature());
-    EXPECT_FALSE(nodeMap->GetNode("LutTable")->IsFeature());
-}
-
-TEST_F(GenApiNodeMap, GetPropertyGivesTheAvailabilityNodeAsWritten) {
-    GenICam::gcstring value = "untouched";
-    GenICam::gcstring attribute = "untouched";
-    EXPECT_FALSE(nodeMap->GetNode("Width")->GetProperty("pIsAvailable", value, attribute));
-    EXPECT_EQ(std::string(value), "untouched");
-
-    EXPECT_TRUE(nodeMap->GetNode("UnavailableFeature")->GetProperty("pIsAvailable", value, attribute));
-    EXPECT_EQ(std::string(value), "ZeroFlag");
-    EXPECT_TRUE(nodeMap->GetNode("DanglingFeature")->GetProperty("pIsAvailable", value, attribute));
-    EXPECT_EQ(std::string(value), "NoSuchFlag");
-    EXPECT_TRUE(nodeMap->GetNode("Root")->GetProperty("pFeature", value, attribute));
-    EXPECT_EQ(std::string(value), "ImageFormatControl\tAcquisitionControl\tDeviceControl\tAvailabilityControl");
-
-    NodeList_t children;
-    nodeMap->GetNode("UnavailableFeature")->GetChildren(children);
-    EXPECT_EQ(NamesOf(children), std::vector<std::string>{"ZeroFlag"});
-    nodeMap->GetNode("AcquisitionMode")->GetChildren(children);
-    EXPECT_EQ(NamesOf(children), (std::vector<std::string>{"EnumEntry_AcquisitionMode_SingleFrame",
-                                                           "EnumEntry_AcquisitionMode_Continuous"}));
-}
-
 TEST_F(GenApiNodeMap, AccessModeFoldsInImplementedAvailableAndLocked) {
     const std::vector<std::pair<const char*, EAccessMode>> expected = {{"Width", RW},
                                                                        {"SensorWidth", RO},
@@ -256,19 +160,6 @@ TEST_F(GenApiNodeMap, IntegerFromStringRefusesTextOfNoForm) {
         const int64_t before = node->GetValue();
         EXPECT_THROW(node->FromString(text), GenICam::InvalidArgumentException) << name << " '" << text << "'";
         EXPECT_EQ(node->GetValue(), before) << name;
-    }
-}
-
-TEST_F(GenApiNodeMap, RepresentationDefaultsToPureNumberAndFollowsPValue) {
-    const std::vector<std::pair<const char*, ERepresentation>> expected = {
-        {"Width", PureNumber},         {"DeviceTemperatureRaw", PureNumber}, {"Gain", PureNumber},
-        {"GainCurve", Logarithmic},    {"FirmwareChecksum", HexNumber},      {"ChecksumAlias", HexNumber},
-        {"PersistentIP", IPV4Address}, {"MacAddress", MACAddress}};
-    for (const auto& [name, representation] : expected) {
-        CIntegerPtr integer = nodeMap->GetNode(name);
-        EXPECT_EQ(integer ? integer->GetRepresentation() : CFloatPtr(nodeMap->GetNode(name))->GetRepresentation(),
-                  representation)
-            << name;
     }
 }
 
@@ -382,19 +273,6 @@ TEST_F(GenApiNodeMap, EnumerationEntriesInDocumentOrderWithAvailability) {
     CEnumerationPtr mode = nodeMap->GetNode("AcquisitionMode");
     EXPECT_EQ(std::string(mode->ToString()), "Continuous");
     EXPECT_THROW(mode->FromString("SingleFrame"), GenICam::AccessException);
-}
-
-TEST_F(GenApiNodeMap, CategoriesListTheirFeatures) {
-    CCategoryPtr root = nodeMap->GetNode("Root");
-    FeatureList_t features;
-    root->GetFeatures(features);
-    std::vector<std::string> names;
-    for (IValue* feature : features) {
-        names.push_back(feature->GetNode()->GetName());
-    }
-    EXPECT_EQ(names, (std::vector<std::string>{"ImageFormatControl", "AcquisitionControl", "DeviceControl",
-                                               "AvailabilityControl"}));
-    EXPECT_FALSE(CCategoryPtr(nodeMap->GetNode("Width")).IsValid());
 }
 
 TEST_F(GenApiNodeMap, AravisErrorsBecomeGenICamExceptions) {

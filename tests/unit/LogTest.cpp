@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <unistd.h>
 
 #include <atomic>
-#include <cstring>
 #include <filesystem>
-#include <functional>
 #include <mutex>
 #include <regex>
 #include <string>
@@ -115,23 +112,6 @@ TEST(LogRecords, MessagesAreWrittenVerbatimEvenWithFormatCharacters)
     EXPECT_NE(std::string::npos, lines[0].find("] source = {0}, message = 100% of {} frames"));
 }
 
-TEST(LogForwarding, NotifyingCallsReachEveryLoggerListenerWithTheLevelWord)
-{
-    TempDirectory directory;
-    Utilities::StartLogFile(directory.Path(), 20971520);
-    HostLogView first;
-    HostLogView second;
-    for (const Level& level : levels) {
-        level.log("Cam(2)", "quiet", 0);
-        level.log("Cam(2)", "heard", 1);
-    }
-    const std::vector<std::string> expected = {"Cam(2)|Debug|heard", "Cam(2)|Info|heard", "Cam(2)|Warning|heard",
-                                               "Cam(2)|Error|heard", "Cam(2)|Deadly|heard"};
-    EXPECT_EQ(expected, first.Lines());
-    EXPECT_EQ(expected, second.Lines());
-    EXPECT_EQ(10u, ReadLines(LogFile(directory.Path())).size());
-}
-
 TEST(LogForwarding, ListenersHearLogsBeforeTheFileIsSetUpAndWhenItCannotBeOpened)
 {
     HostLogView viewer;
@@ -144,42 +124,6 @@ TEST(LogForwarding, ListenersHearLogsBeforeTheFileIsSetUpAndWhenItCannotBeOpened
 
     EXPECT_EQ((std::vector<std::string>{"Cam(3)|Error|before set-up", "Cam(3)|Warning|file unavailable"}),
               viewer.Lines());
-}
-
-TEST(LogFile, SetUpCreatesTheLogFolderBesideTheExecutable)
-{
-    char executable[1024] = {};
-    ASSERT_GT(readlink("/proc/self/exe", executable, sizeof(executable) - 1), 0);
-    const std::string executableDirectory = fs::path(executable).parent_path().string();
-
-    Utilities::SetUpLogging();
-    EXPECT_EQ(executableDirectory, std::string(libraryPath));
-    EXPECT_EQ(executableDirectory, Utilities::ApplicationDirectory());
-    EXPECT_TRUE(fs::is_directory(executableDirectory + "/Log"));
-
-    const std::string marker = "set-up marker " + std::to_string(getpid());
-    Utilities::LogInfo("LogTest", marker, 0);
-    EXPECT_NE(std::string::npos, ReadTextFile(LogFile(executableDirectory)).find(marker));
-}
-
-TEST(LogFile, SettingUpTwiceKeepsOneWriter)
-{
-    Utilities::SetUpLogging();
-    Utilities::SetUpLogging();
-    const std::string marker = "twice marker " + std::to_string(getpid());
-    Utilities::LogInfo("LogTest", marker, 0);
-    const std::string content = ReadTextFile(LogFile(libraryPath));
-    const std::size_t first = content.find(marker);
-    ASSERT_NE(std::string::npos, first);
-    EXPECT_EQ(std::string::npos, content.find(marker, first + 1));
-}
-
-TEST(LogFile, StartingCreatesAMissingLogFolder)
-{
-    TempDirectory directory;
-    ASSERT_FALSE(fs::exists(directory.File("Log")));
-    Utilities::StartLogFile(directory.Path(), 20971520);
-    EXPECT_TRUE(fs::is_directory(directory.File("Log")));
 }
 
 TEST(LogFile, RollsAtTheSizeLimitAndKeepsAtMostTwentyFiles)

@@ -18,51 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The settings as the viewer sees them: constructor default and what a file
-// without the key gives (paths aside, which depend on the working directory).
-struct Expected {
-    const char* key;
-    const char* constructorDefault;
-    const char* missingDefault;
-};
-
-const Expected expectedSettings[ParameterManager::SettingCount] = {
-    {"ImagePathAuto", "0", "0"},
-    {"ImagePath", "./", nullptr},
-    {"ImageFileSavePrefix", "PIC", "PIC"},
-    {"ImageFileSaveFormat", "0", "2"},
-    {"Image2DSaveForamt", "0", "3"},
-    {"Image2DSaveQuality", "100", "26"},
-    {"Image2DMultiSaveStrategy", "1", "1"},
-    {"Image2DMultiSaveIntervalFrameCount", "0", "0"},
-    {"Image2DMultiSaveIntervalTime", "1", "1.00"},
-    {"Image2DMultiSaveTimeLimitEnable", "1", "1"},
-    {"Image2DMultiSaveTimeLimit", "300", "1200.00"},
-    {"Image2DMultiSaveLimitNumberEnable", "1", "1"},
-    {"Image2DMultiSaveLimitNumber", "1000", "20"},
-    {"ImageContourHighFormatEnable", "1", "1"},
-    {"ImageContourHighFormat", "0", "3"},
-    {"ImageContourBrightnessFormatEnable", "0", "0"},
-    {"ImageContourBrightnessFormat", "0", "0"},
-    {"Image3DHighFormatEnable", "1", "1"},
-    {"Image3DHighFormat", "0", "4"},
-    {"Image3DBrightnessFormatEnable", "0", "0"},
-    {"Image3DBrightnessFormat", "0", "0"},
-    {"ImageSaveCount", "100", "20"},
-    {"AcquireBufferCacheCount", "8", "8"},
-    {"ImageSaveBufferCacheCount", "8", "8"},
-    {"AttributeVisualLevel", "0", "0"},
-    {"VideoPathAuto", "", "0"},
-    {"VideoPath", "", nullptr},
-    {"VideoFileSavePrefix", "", "Video"},
-    {"VideoFileSaveFormat", "", "0"},
-    {"VideoSaveFormat", "", "0"},
-    {"VideoSaveQuality", "", "0"},
-    {"VideoRateMode", "", "0"},
-    {"VideoRecordRate", "", "1"},
-    {"SLImageShowMode", "", "0"},
-};
-
 const std::string utf8Bom = "\xEF\xBB\xBF";
 
 PARAMETER_INFO Setting(int which)
@@ -87,19 +42,6 @@ protected:
         settings->loadIniFile();
         return settings;
     }
-    void ExpectMissingDefaults(ParameterManager& settings)
-    {
-        EXPECT_EQ(1, settings.GetLayoutType());
-        EXPECT_EQ("English", settings.GetLanguage());
-        for (int which = 0; which < ParameterManager::SettingCount; ++which) {
-            if (expectedSettings[which].missingDefault != nullptr) {
-                EXPECT_EQ(expectedSettings[which].missingDefault, settings.GetParamterInfo(Setting(which)))
-                    << expectedSettings[which].key;
-            }
-        }
-        EXPECT_EQ(WorkingDirectoryFolder("/Pictures"), settings.GetParamterInfo(PARAM_IMAGE_PATH));
-        EXPECT_EQ(WorkingDirectoryFolder("/Videos"), settings.GetParamterInfo(PARAM_VIDEO_PATH));
-    }
 
     TempDirectory m_directory;
     ApplicationDirectoryScope m_applicationDirectory{m_directory.Path()};
@@ -123,17 +65,6 @@ public:
     std::vector<std::string> heard;
 };
 
-TEST(SettingsInMemory, ConstructorDefaultsAreTheTablesFirstColumn)
-{
-    ParameterManager settings;
-    EXPECT_EQ(1, settings.GetLayoutType());
-    EXPECT_EQ("English", settings.GetLanguage());
-    for (int which = 0; which < ParameterManager::SettingCount; ++which) {
-        EXPECT_EQ(expectedSettings[which].constructorDefault, settings.GetParamterInfo(Setting(which)))
-            << expectedSettings[which].key;
-    }
-}
-
 TEST(SettingsInMemory, ValuesOutsideTheSettingRangeAreRefused)
 {
     ParameterManager settings;
@@ -154,23 +85,6 @@ TEST(SettingsInMemory, LayoutAndLanguageChangesAreAnnouncedToTheHost)
     EXPECT_EQ(4, settings.GetLayoutType());
     EXPECT_EQ("Deutsch", settings.GetLanguage());
     EXPECT_EQ((std::vector<std::string>{"layout 4", "language Deutsch"}), host.heard);
-}
-
-TEST_F(SettingsFile, WithoutAFileTheConstructorDefaultsStayAndNoFileIsCreated)
-{
-    ParameterManager settings;
-    settings.loadIniFile();
-    EXPECT_EQ("./", settings.GetParamterInfo(PARAM_IMAGE_PATH));
-    EXPECT_EQ("", settings.GetParamterInfo(PARAM_VIDEO_PATH));
-    settings.SetParamterInfo(PARAM_IMAGE_SAVE_COUNT, "5");
-    settings.saveIniFile();
-    EXPECT_FALSE(fs::exists(Path()));
-}
-
-TEST_F(SettingsFile, EmptyUserSectionGivesTheMissingDefaults)
-{
-    Install("[User]\n");
-    ExpectMissingDefaults(*LoadedSettings());
 }
 
 TEST_F(SettingsFile, LoadingAnnouncesNothing)
@@ -245,26 +159,8 @@ TEST_F(SettingsFile, EverySettingSurvivesASaveAndLoad)
     EXPECT_EQ("Deutsch", after->GetLanguage());
     for (int which = 0; which < ParameterManager::SettingCount; ++which) {
         EXPECT_EQ("value " + std::to_string(which), after->GetParamterInfo(Setting(which)))
-            << expectedSettings[which].key;
+            << which;
     }
-}
-
-TEST_F(SettingsFile, SavedFileHasTheMarkTheUserSectionAndTheKeysAsSpelled)
-{
-    Install("[User]\nLanguage = English\n");
-    std::unique_ptr<ParameterManager> settings = LoadedSettings();
-    settings->saveIniFile();
-    const std::vector<std::string> lines = ReadLines(Path());
-    ASSERT_FALSE(lines.empty());
-    EXPECT_EQ(utf8Bom + "[User]", lines[0]);
-    // Existing keys keep their place; new ones follow in the writer's order.
-    const std::vector<std::string> expectedStart = {utf8Bom + "[User]", "Language = English", "Layout = 1",
-                                                    "ImagePathAuto = 0",
-                                                    "ImagePath = " + WorkingDirectoryFolder("/Pictures"),
-                                                    "Image2DSaveForamt = 3", "Image2DSaveQuality = 26"};
-    EXPECT_EQ(expectedStart, std::vector<std::string>(lines.begin(), lines.begin() + expectedStart.size()));
-    // The section line, "Language", "Layout" and the 34 settings.
-    EXPECT_EQ(1u + 2u + ParameterManager::SettingCount, lines.size()) << ReadTextFile(Path());
 }
 
 TEST_F(SettingsFile, SavingKeepsForeignSectionsAndKeys)
@@ -293,43 +189,25 @@ TEST_F(SettingsFile, FullDiskDuringSaveLeavesTheInstalledFileWhole)
     EXPECT_EQ(1, std::distance(fs::directory_iterator(m_directory.Path()), fs::directory_iterator()));
 }
 
-TEST_F(SettingsFile, GarbageFilesLoadWithoutHarm)
+// Garbage of every kind is the fuzz target's work; here what a fuzzer cannot
+// reach: a huge file, and keys outside the user section or written twice.
+TEST_F(SettingsFile, HugeAndOddFilesLoadWithoutHarm)
 {
-    std::string binary;
-    for (int i = 0; i < 4096; ++i) {
-        binary += static_cast<char>(i * 7919 % 256);
-    }
     std::string huge = "[User]\n";
     for (int i = 0; huge.size() < 8 * 1024 * 1024; ++i) {
         huge += "Filler" + std::to_string(i) + " = " + std::string(40, 'x') + "\n";
     }
-    huge += "Image2DSaveQuality = 55\n";
-    const char embeddedNull[] = "[User]\nLayout = 9\0\nLanguage = hidden\n";
-    const std::vector<std::string> files = {
-        "",
-        binary,
-        std::string(embeddedNull, sizeof(embeddedNull) - 1),
-        "[Other]\nLayout = 5\nImage2DSaveQuality = 1\n",
-        "[User]\nLayout = 2\nLayout = 3\nImageSaveCount = a\nImageSaveCount = b\n",
-        "[User\nLayout 4\n=5\n[]\n= \n[User]]\n",
-        huge,
-    };
-    for (const std::string& content : files) {
-        Install(content);
-        std::unique_ptr<ParameterManager> settings = LoadedSettings();
-        settings->saveIniFile();
-        EXPECT_EQ(0u, ReadTextFile(Path()).find(utf8Bom));
-    }
+    Install(huge + "Image2DSaveQuality = 55\n");
+    std::unique_ptr<ParameterManager> settings = LoadedSettings();
+    EXPECT_EQ("55", settings->GetParamterInfo(PARAM_IMAGE_2D_SAVE_QUALITY));
+    settings->saveIniFile();
+    EXPECT_EQ(0u, ReadTextFile(Path()).find(utf8Bom));
 
     Install("[Other]\nLayout = 5\n");
-    ExpectMissingDefaults(*LoadedSettings());
-
+    EXPECT_EQ(1, LoadedSettings()->GetLayoutType());
     Install("[User]\nLayout = 2\nLayout = 3\n");
     const int layout = LoadedSettings()->GetLayoutType();
     EXPECT_TRUE(layout == 2 || layout == 3) << layout;
-
-    Install(huge);
-    EXPECT_EQ("55", LoadedSettings()->GetParamterInfo(PARAM_IMAGE_2D_SAVE_QUALITY));
 }
 
 } // namespace

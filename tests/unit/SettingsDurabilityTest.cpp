@@ -17,6 +17,7 @@
 
 #include "log/Log.h"
 #include "settings/ParameterManager.h"
+#include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/StressRun.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
@@ -68,7 +69,7 @@ std::size_t TemporaryFiles(const TempDirectory& directory)
 TEST(SettingsDurability, AKilledSaveLeavesEitherTheOldOrTheNewFile)
 {
     TempDirectory directory;
-    std::strncpy(libraryPath, directory.Path().c_str(), sizeof(libraryPath) - 1);
+    ApplicationDirectoryScope applicationDirectory(directory.Path());
     WriteTextFile(directory.File("Configuration.ini"), "[User]\n");
     const std::string contentA = SavedContent(directory, 'a');
     const std::string contentB = SavedContent(directory, 'b');

@@ -45,12 +45,6 @@ void CameraTestHost::SetImageObserver(std::function<void(ZYLGENICAM::IImage*)> o
     m_imageObserver = std::move(observer);
 }
 
-void CameraTestHost::SetStatisticObserver(std::function<void(const StatisticEvent&)> observer)
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_statisticObserver = std::move(observer);
-}
-
 std::vector<CameraTestHost::ImageEvent> CameraTestHost::Images() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
@@ -96,17 +90,6 @@ std::vector<int> CameraTestHost::Refreshes() const
     return m_refreshes;
 }
 
-bool CameraTestHost::WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout)
-{
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
 std::size_t CameraTestHost::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2)
 {
     std::chrono::milliseconds holdTime;
@@ -128,15 +111,8 @@ std::size_t CameraTestHost::NotifyImageUpdate(std::string key, ZYLGENICAM::IImag
 
 void CameraTestHost::NotifyAcqStatisticUpdate(std::string key, bool flag)
 {
-    std::function<void(const StatisticEvent&)> observer;
-    const StatisticEvent event{key, flag};
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_statistics.push_back(event);
-        observer = m_statisticObserver;
-    }
-    if (observer)
-        observer(event);
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_statistics.push_back({key, flag});
 }
 
 void CameraTestHost::NotifyDeviceListUpdate(std::string listKey, std::string key)

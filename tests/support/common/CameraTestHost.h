@@ -52,8 +52,6 @@ public:
     void SetImageHoldTime(std::chrono::milliseconds holdTime);
     // Runs on the notifying thread for every received image, before it is released.
     void SetImageObserver(std::function<void(ZYLGENICAM::IImage*)> observer);
-    // Runs on the notifying thread for every statistics notification.
-    void SetStatisticObserver(std::function<void(const StatisticEvent&)> observer);
 
     std::vector<ImageEvent> Images() const;
     std::size_t ImagesWithPicture() const;
@@ -62,10 +60,6 @@ public:
     std::vector<std::string> Removed() const;
     std::vector<Camera*> AddedCLCameras() const;
     std::vector<int> Refreshes() const;
-
-    // Polls the condition until it holds; false when the timeout passed first.
-    static bool WaitUntil(const std::function<bool()>& condition,
-                          std::chrono::milliseconds timeout = std::chrono::seconds(10));
 
     std::size_t NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
     void NotifyAcqStatisticUpdate(std::string key, bool flag) override;
@@ -82,7 +76,6 @@ private:
     std::map<std::string, std::unique_ptr<Camera>> m_cameras;
     std::chrono::milliseconds m_holdTime{0};
     std::function<void(ZYLGENICAM::IImage*)> m_imageObserver;
-    std::function<void(const StatisticEvent&)> m_statisticObserver;
     std::vector<ImageEvent> m_images;
     std::vector<StatisticEvent> m_statistics;
     std::vector<DeviceListEvent> m_deviceLists;

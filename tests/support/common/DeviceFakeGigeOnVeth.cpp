@@ -4,9 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <thread>
 
 #include "support/common/FakeGigeCamera.h"
 
@@ -55,7 +53,6 @@ bool DeviceFakeGigeOnVeth::Start(std::string& failure)
         failure = "cannot start the simulated camera";
         return false;
     }
-    // Give the camera a moment to bind its sockets; discovery is retried by the caller anyway.
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    // The camera binds its sockets meanwhile: callers wait for it to be listed.
     return true;
 }

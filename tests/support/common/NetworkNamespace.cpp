@@ -8,6 +8,8 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "support/common/WaitUntil.h"
+
 namespace {
 
 bool Run(const std::string& command)
@@ -43,6 +45,15 @@ NetworkNamespace::NetworkNamespace(const std::vector<Veth>& pairs) : m_name(Uniq
     if (!ok) {
         m_failure = "cannot set up veth interfaces in network namespace " + m_name;
         return;
+    }
+    // The kernel reports a veth running a moment after both ends are up; adapters are listed only then.
+    for (const Veth& veth : pairs) {
+        for (const std::string& end : {veth.name, veth.peerName}) {
+            if (!WaitUntil([&] { return Ip("link show dev " + end + " | grep -q 'state UP'"); })) {
+                m_failure = "veth " + end + " in network namespace " + m_name + " never came up";
+                return;
+            }
+        }
     }
     m_ready = true;
 }

@@ -1,4 +1,5 @@
 #include "support/common/ProcessThreads.h"
+#include "support/common/WaitUntil.h"
 
 #include <filesystem>
 #include <iterator>
@@ -12,12 +13,5 @@ std::size_t ProcessThreadCount()
 
 bool WaitForProcessThreadCount(std::size_t expected, std::chrono::seconds timeout)
 {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (ProcessThreadCount() > expected) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
+    return WaitUntil([&] { return ProcessThreadCount() <= expected; }, timeout);
 }

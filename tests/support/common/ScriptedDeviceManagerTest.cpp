@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include "support/scripted/ScriptedSdk.h"
+#include "support/common/RequireEnvironment.h"
 
 void ScriptedDeviceManagerTest::SetUp()
 {
-    if (!bench.Ready())
-        GTEST_SKIP() << bench.Failure();
+    VB3_REQUIRE(bench.Ready(), bench.Failure());
     Scripted::ScriptedSdk::Instance().Reset();
 }
 

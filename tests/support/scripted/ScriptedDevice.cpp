@@ -178,14 +178,12 @@ void ScriptedDevice::CountRecordDestroyed() {
 void ScriptedDevice::CountCameraCreated(HandleState& handle) {
     Lock lock(m_mutex);
     handle.handleId = m_nextHandleId++;
-    m_handleDestroyed[handle.handleId] = false;
     ++m_counters.camerasCreated;
     Changed();
 }
 
 void ScriptedDevice::CountCameraDestroyed(HandleState& handle) {
     Lock lock(m_mutex);
-    m_handleDestroyed[handle.handleId] = true;
     handle.open = false;
     handle.grabbing = false;
     ++handle.grabSession;
@@ -236,10 +234,9 @@ int ScriptedDevice::Close(HandleState& handle) {
     return code;
 }
 
-int ScriptedDevice::StartGrabbing(HandleState& handle, int mode, uint64_t frameLimit) {
+int ScriptedDevice::StartGrabbing(HandleState& handle, int /*mode*/, uint64_t frameLimit) {
     Lock lock(m_mutex);
     ++m_counters.startGrabbings;
-    m_counters.lastGrabMode = mode;
     m_counters.lastFrameLimit = frameLimit;
     Changed();
     if (!handle.open) {
@@ -305,13 +302,7 @@ int ScriptedDevice::GetImage(HandleState& handle, ZYLGENICAM::IImage*& image, ui
         if (frameLimitReached) {
             return WaitForTimeout(lock, handle, session, deadline);
         }
-        const ResolvedStep resolved = StepAt(m_scriptPosition);
-        if (resolved.lossHere) {
-            m_lost = true;
-            Changed();
-            return ZYLGENICAM::SDK_LOST;
-        }
-        const FrameStep& step = resolved.step;
+        const FrameStep step = StepAt(m_scriptPosition);
         if (step.kind == FrameStep::Kind::Timeout) {
             const uint64_t version = m_scriptVersion;
             const int code = WaitForTimeout(lock, handle, session, deadline);
@@ -376,7 +367,7 @@ int ScriptedDevice::SetCameraIP(const SetCameraIPCall& call) {
     return code;
 }
 
-void ScriptedDevice::Released(ScriptedImage* image, uint64_t handleId) {
+void ScriptedDevice::Released(ScriptedImage* image, uint64_t /*handleId*/) {
     Lock lock(m_mutex);
     if (!image->MarkReleased()) {
         ++m_counters.doubleReleases;
@@ -387,9 +378,6 @@ void ScriptedDevice::Released(ScriptedImage* image, uint64_t handleId) {
         return;
     }
     ++m_counters.imagesReleased;
-    if (m_handleDestroyed[handleId]) {
-        ++m_counters.releasesAfterDestroy;
-    }
     auto found = m_imagesOut.find(image);
     if (found != m_imagesOut.end()) {
         image->FreeBuffers();
@@ -420,21 +408,19 @@ GenApi_3_4::IString* ScriptedDevice::UserIdNode() const {
     return userId.IsValid() ? static_cast<GenApi_3_4::IString*>(userId) : nullptr;
 }
 
-ScriptedDevice::ResolvedStep ScriptedDevice::StepAt(uint64_t position) const {
-    ResolvedStep resolved;
-    resolved.lossHere = m_script.lossAtStep.has_value() && position >= *m_script.lossAtStep;
+FrameStep ScriptedDevice::StepAt(uint64_t position) const {
     const uint64_t count = m_script.steps.size();
     if (position < count) {
-        resolved.step = m_script.steps[position];
-    } else if (count == 0 || m_script.whenExhausted == WhenExhausted::KeepTimingOut) {
-        resolved.step = FrameStep::Timeout();
-    } else {
-        resolved.step = m_script.steps[position % count];
-        if (CarriesImage(resolved.step)) {
-            resolved.step.frameId += (position / count) * m_largestScriptFrameId;
-        }
+        return m_script.steps[position];
     }
-    return resolved;
+    if (count == 0 || m_script.whenExhausted == WhenExhausted::KeepTimingOut) {
+        return FrameStep::Timeout();
+    }
+    FrameStep step = m_script.steps[position % count];
+    if (CarriesImage(step)) {
+        step.frameId += (position / count) * m_largestScriptFrameId;
+    }
+    return step;
 }
 
 bool ScriptedDevice::GrabInterrupted(const HandleState& handle, uint64_t session) {

@@ -82,12 +82,6 @@ private:
         std::chrono::steady_clock::time_point lastFrame;
     };
 
-    // The step at a script position, with repeated rounds' frame ids raised.
-    struct ResolvedStep {
-        FrameStep step;
-        bool lossHere = false;
-    };
-
     using Lock = std::unique_lock<std::mutex>;
 
     // Called by the scripted SDK objects.
@@ -112,7 +106,8 @@ private:
 
     // "DeviceUserID" of module 3: the user-defined name discovery reports; null when absent.
     GenApi_3_4::IString* UserIdNode() const;
-    ResolvedStep StepAt(uint64_t position) const;
+    // The step at a script position, with repeated rounds' frame ids raised.
+    FrameStep StepAt(uint64_t position) const;
     static bool GrabInterrupted(const HandleState& handle, uint64_t session);
     // Waits until the deadline unless the grab is stopped or the device lost first.
     int WaitForTimeout(Lock& lock, const HandleState& handle, uint64_t session,
@@ -135,7 +130,6 @@ private:
     bool m_present = true;
     bool m_lost = false;
     bool m_createCameraFails = false;
-    std::unordered_map<uint64_t, bool> m_handleDestroyed;  // handle id -> destroyed
     uint64_t m_nextHandleId = 1;
     std::unordered_map<ScriptedImage*, std::unique_ptr<ScriptedImage>> m_imagesOut;
     // Released images stay allocated for a while so a second Release is reported, not undefined.

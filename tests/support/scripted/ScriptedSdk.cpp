@@ -205,6 +205,11 @@ ScriptedCameraInfo* ScriptedSdk::KnownRecord(ZYLGENICAM::ICameraInfo* info) cons
     return found != m_records.end() ? found->get() : nullptr;
 }
 
+ScriptedDevice& OnlyDevice(DeviceDescription description) {
+    ScriptedSdk::Instance().Reset();
+    return ScriptedSdk::Instance().AddDevice(std::move(description));
+}
+
 } // namespace Scripted
 
 namespace ZYLGENICAM {

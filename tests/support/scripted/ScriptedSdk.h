@@ -6,7 +6,7 @@
 //   ... drive the library ...
 //   EXPECT_TRUE(cam.WaitUntil([](const auto& c) { return c.imagesReleased == 5; }));
 //
-// Each test runs in its own process, so the registry starts empty; Reset() is only safe
+// Tests share a process, so each starts from Reset() (or OnlyDevice), which is only safe
 // once the library holds no handle, record or image any more.
 #pragma once
 
@@ -86,5 +86,8 @@ private:
     std::chrono::milliseconds m_discoveryDelay{0};
     SdkCounters m_counters;
 };
+
+// Empties the registry (the library must hold nothing of it any more) and adds this one device.
+ScriptedDevice& OnlyDevice(DeviceDescription description);
 
 } // namespace Scripted

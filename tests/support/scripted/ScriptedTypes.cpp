@@ -71,11 +71,6 @@ FrameScript& FrameScript::Then(WhenExhausted behaviour) {
     return *this;
 }
 
-FrameScript& FrameScript::LoseDeviceAtStep(uint64_t step) {
-    lossAtStep = step;
-    return *this;
-}
-
 FrameScript& FrameScript::Period(std::chrono::milliseconds period) {
     framePeriod = period;
     return *this;

@@ -15,7 +15,6 @@ namespace Scripted {
 
 // PFNC pixel format codes used by the scripts.
 inline constexpr uint64_t PFNC_MONO8 = 0x01080001;
-inline constexpr uint64_t PFNC_MONO16 = 0x01100007;
 inline constexpr uint64_t PFNC_RGB8 = 0x02180014;
 inline constexpr uint64_t PFNC_COORD3D_C16 = 0x011000B8;
 
@@ -61,8 +60,6 @@ enum class WhenExhausted {
 struct FrameScript {
     std::vector<FrameStep> steps{FrameStep::Frame(1)};
     WhenExhausted whenExhausted = WhenExhausted::Repeat;
-    // The device is lost when this many steps have been answered (counting repeats).
-    std::optional<uint64_t> lossAtStep;
     // Least time between two frames (0: as fast as asked); timeouts and codes are not paced.
     std::chrono::milliseconds framePeriod{0};
 
@@ -72,7 +69,6 @@ struct FrameScript {
     FrameScript& AddFrames(uint64_t firstId, uint64_t count, uint64_t width = 640, uint64_t height = 480,
                            uint64_t pixelFormat = PFNC_MONO8);
     FrameScript& Then(WhenExhausted behaviour);
-    FrameScript& LoseDeviceAtStep(uint64_t step);
     FrameScript& Period(std::chrono::milliseconds period);
 };
 
@@ -132,14 +128,12 @@ struct DeviceCounters {
     uint64_t imagesHandedOut = 0;
     uint64_t imagesReleased = 0;
     uint64_t doubleReleases = 0;        // also reported as a test failure
-    uint64_t releasesAfterDestroy = 0;  // released after the handle that produced it was destroyed
     uint64_t imageUsesAfterRelease = 0; // also reported as a test failure
     uint64_t getImageCalls = 0;
     uint64_t opens = 0;                 // Open calls, whatever their result
     uint64_t closes = 0;
     uint64_t startGrabbings = 0;
     uint64_t stopGrabbings = 0;
-    int lastGrabMode = -1;
     std::optional<uint64_t> lastFrameLimit;
     uint64_t camerasCreated = 0;        // CreateCamera handles
     uint64_t camerasDestroyed = 0;
