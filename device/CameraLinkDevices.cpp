@@ -15,6 +15,16 @@ namespace {
 
 constexpr uint16_t KIND_CAMERA_LINK = 4;
 
+// The first camera attached to a card drives it.
+void AttachToCard(CLCamera* camera, Card* card, const std::string& cameraKey)
+{
+    camera->SetCard(card);
+    if (card->GetCardCamera() == nullptr) {
+        card->SetCardCamera(camera);
+        card->SetText(Card::CAMERA_NAME_TEXT, cameraKey);
+    }
+}
+
 } // namespace
 
 CameraLinkDevices::CameraLinkDevices(DeviceRegistry& registry, CameraHost& host) : m_registry(registry), m_host(host)
@@ -214,12 +224,7 @@ bool CameraLinkDevices::DiscoverCards()
         if (record == nullptr)
             continue;
         std::string cardKey = SdkText(record->GetSerialNumber());
-        bool known;
-        {
-            std::lock_guard<std::mutex> lock(m_registry.cardListMutex);
-            known = m_registry.cardList.count(cardKey) != 0;
-        }
-        if (cardKey.empty() || known)
+        if (cardKey.empty() || HasKey(m_registry.cardList, m_registry.cardListMutex, cardKey))
             continue;
         auto* card = new Card();
         card->SetKey(cardKey);
@@ -229,17 +234,11 @@ bool CameraLinkDevices::DiscoverCards()
         card->SetInUseCount(0);
         card->SetText(ViewerBiz3::CARD_INTERFACE_NAME, SdkText(record->GetModelName()));
         {
-            // The first camera behind the card drives it.
             std::lock_guard<std::mutex> lock(m_registry.clCameraListMutex);
             for (auto& entry : m_registry.clCameraList) {
                 CLCamera* camera = entry.second;
-                if (camera != nullptr && camera->GetListKey() == cardKey && camera->GetCard() == nullptr) {
-                    camera->SetCard(card);
-                    if (card->GetCardCamera() == nullptr) {
-                        card->SetCardCamera(camera);
-                        card->SetText(Card::CAMERA_NAME_TEXT, camera->GetKey());
-                    }
-                }
+                if (camera != nullptr && camera->GetListKey() == cardKey && camera->GetCard() == nullptr)
+                    AttachToCard(camera, card, camera->GetKey());
             }
         }
         std::lock_guard<std::mutex> lock(m_registry.cardListMutex);
@@ -260,12 +259,7 @@ bool CameraLinkDevices::DiscoverCameras()
         bool serialOnly = cardKey == CLCamera::SERIAL_ONLY_LIST_KEY;
         DeviceRegistry::CLCameraMap& list = serialOnly ? m_registry.otherCameraList : m_registry.clCameraList;
         std::mutex& listMutex = serialOnly ? m_registry.otherCameraListMutex : m_registry.clCameraListMutex;
-        bool known;
-        {
-            std::lock_guard<std::mutex> lock(listMutex);
-            known = list.count(identifier) != 0;
-        }
-        if (known)
+        if (HasKey(list, listMutex, identifier))
             continue;
         auto owned = std::make_unique<CLCamera>(ZYLGENICAM::CreateCamera(record));
         CLCamera* camera = owned.get();
@@ -280,13 +274,8 @@ bool CameraLinkDevices::DiscoverCameras()
         camera->SetText(ViewerBiz3::CAM_CL_SERIAL_PORT, SdkText(record->GetCLInfo(ZYLGENICAM::CL_SERIAL_PORT)));
         camera->SetVirtualSuffix(serial);
         if (!serialOnly) {
-            if (Card* card = GetPointerFromMap<Card>(m_registry.cardList, m_registry.cardListMutex, cardKey)) {
-                camera->SetCard(card);
-                if (card->GetCardCamera() == nullptr) {
-                    card->SetCardCamera(camera);
-                    card->SetText(Card::CAMERA_NAME_TEXT, identifier);
-                }
-            }
+            if (Card* card = GetPointerFromMap<Card>(m_registry.cardList, m_registry.cardListMutex, cardKey))
+                AttachToCard(camera, card, identifier);
         }
         std::lock_guard<std::mutex> lock(listMutex);
         if (list.emplace(identifier, camera).second) {
