@@ -42,6 +42,8 @@ void CameraLinkDevices::StartRefresh(bool cardsAndCameras)
     auto refresh = std::make_unique<RefreshThread>();
     RefreshThread* started = refresh.get();
     std::lock_guard<std::mutex> lock(m_refreshThreadsMutex);
+    if (m_stopped)
+        return;
     started->thread = std::thread([this, cardsAndCameras, started] {
         if (cardsAndCameras)
             DiscoverCardsAndCameras();
@@ -73,6 +75,7 @@ void CameraLinkDevices::Stop()
     std::list<std::unique_ptr<RefreshThread>> running;
     {
         std::lock_guard<std::mutex> lock(m_refreshThreadsMutex);
+        m_stopped = true;
         running.swap(m_refreshThreads);
     }
     for (auto& refresh : running)

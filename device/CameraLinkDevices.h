@@ -24,7 +24,7 @@ public:
 
     // Enumerates on a thread of its own: cards and cameras, or only cameras.
     void StartRefresh(bool cardsAndCameras);
-    // Joins every refresh thread.
+    // Joins every refresh thread; later requests start none.
     void Stop();
 
     int OpenCard(const std::string& key);
@@ -55,5 +55,6 @@ private:
     DeviceRegistry& m_registry;
     CameraHost& m_host;
     std::mutex m_refreshThreadsMutex;
+    bool m_stopped = false;
     std::list<std::unique_ptr<RefreshThread>> m_refreshThreads;
 };

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 
 #include "camera/CLCamera.h"
 #include "camera/Camera.h"
@@ -52,19 +53,22 @@ void DeviceDiscovery::StartTimer()
 
 void DeviceDiscovery::Stop()
 {
+    std::thread discovery;
     {
-        // Under the refresh mutex, so the wake-up cannot fall between the waiter's test and its sleep.
+        // Under the refresh mutex, so the wake-up cannot fall between the waiter's test and its sleep,
+        // and no request starts the thread anew.
         std::lock_guard<std::mutex> lock(m_refreshMutex);
         m_idle.store(false);
         m_stop.store(true);
+        discovery = std::move(m_discoveryThread);
     }
     m_refreshCondition.notify_one();
     { std::lock_guard<std::mutex> lock(m_timerMutex); }
     m_timerWake.notify_all();
     if (m_timerThread.joinable())
         m_timerThread.join();
-    if (m_discoveryThread.joinable())
-        m_discoveryThread.join();
+    if (discovery.joinable())
+        discovery.join();
 }
 
 void DeviceDiscovery::RequestPass()
