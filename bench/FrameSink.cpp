@@ -32,7 +32,8 @@ void FrameSink::OnImageUpdate(std::string cameraKey, void* image, int, int)
     auto* sdkImage = static_cast<ZYLGENICAM::IImage*>(image);
     frame.frameId = sdkImage->GetFrameId();
     frame.timestampNs = sdkImage->GetTimestamp();
-    frame.data = sdkImage->GetData();
+    if (m_readPixelAddress.load())
+        frame.data = sdkImage->GetData();
     sdkImage->Release();
     m_delivered.fetch_add(1);
     std::lock_guard<std::mutex> lock(m_mutex);

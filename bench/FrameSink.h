@@ -39,6 +39,9 @@ public:
     // Reading the frame count costs a lookup and string copies, so it is off unless a
     // benchmark needs to match publications to frames.
     void SetReadFrameCount(bool read) { m_readFrameCount = read; }
+    // On unless turned off: the scripted SDK makes an image's pixels at the first request, so
+    // a benchmark that counts allocations turns this off not to count the SDK's as the library's.
+    void SetReadPixelAddress(bool read) { m_readPixelAddress = read; }
     void Clear();
 
     uint64_t Delivered() const { return m_delivered.load(); }
@@ -49,6 +52,7 @@ public:
 private:
     std::string m_cameraId;
     std::atomic<bool> m_readFrameCount{false};
+    std::atomic<bool> m_readPixelAddress{true};
     std::atomic<uint64_t> m_delivered{0};
     std::atomic<uint64_t> m_publications{0};
     mutable std::mutex m_mutex;

@@ -188,6 +188,7 @@ void BM_ScriptedDeliveryAllocations(benchmark::State& state)
     if (id.empty())
         return;
     Bench::FrameSink sink(id);
+    sink.SetReadPixelAddress(false);
     // Keys longer than the short-string buffer are copied to the heap: those copies are the
     // listener's string copies the target allows.
     AllocationCounter::WatchSize(id.size() > 15 ? id.size() + 1 : 0);

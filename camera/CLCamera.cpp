@@ -1,7 +1,7 @@
 #include "camera/CLCamera.h"
 
 #include "camera/CameraHost.h"
-#include "device/Card.h"
+#include "camera/FrameGrabberCard.h"
 #include "log/Log.h"
 #include "node/NodeAccess.h"
 
@@ -142,7 +142,7 @@ bool CLCamera::cardIsOpen()
     ZYLGENICAM::ICamera* handle = GetSdkCamera();
     if (handle == nullptr)
         return true;
-    Card* card = GetCard();
+    FrameGrabberCard* card = GetCard();
     return card != nullptr ? card->IsOpened() : handle->IsOpen();
 }
 

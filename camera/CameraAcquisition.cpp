@@ -1,6 +1,4 @@
-// The acquisition half of Camera: start and stop, and the grab and delivery threads.
-#include <algorithm>
-
+// The acquisition half of Camera: start and stop, the grab loop and what the delivery loop hands the host.
 #include "camera/Camera.h"
 #include "camera/CameraHost.h"
 #include "camera/PayloadCalc.h"
@@ -12,28 +10,9 @@ namespace {
 constexpr int notifyHost = 1;
 constexpr uint64_t grabTimeoutMs = 300;
 constexpr uint64_t publicationPeriodMs = 300;
-constexpr uint64_t deliveryPeriodMs = 30;
-constexpr int sdkTimeout = -11;
-constexpr auto failedReadPause = std::chrono::milliseconds(5);
-constexpr int sdkLost = -13;
 constexpr auto stopDelay = std::chrono::milliseconds(50);
 constexpr double bitsPerMegabit = 125000.0;
 } // namespace
-
-template <typename Body>
-void Camera::StartAcquisitionThread(std::unique_ptr<std::thread>& thread, std::atomic<bool>& exitFlag,
-                                    std::atomic<bool>& pauseFlag, std::atomic<bool>& exitedFlag, Body body)
-{
-    exitFlag.store(false);
-    pauseFlag.store(false);
-    exitedFlag.store(false);
-    thread = std::make_unique<std::thread>([this, body, &exitedFlag] {
-        (this->*body)();
-        // Last access to this camera: closing waits for it.
-        exitedFlag.store(true);
-    });
-    thread->detach();
-}
 
 int Camera::StartGrab(int mode, unsigned long long frameLimit)
 {
@@ -51,21 +30,8 @@ int Camera::StartGrab(int mode, unsigned long long frameLimit)
         return result;
     }
     m_grabbing.store(true);
-    m_frameRate.store(0);
-    m_bandwidth.store(0);
-    if (m_grabThread) {
-        m_grabPause.store(false);
-        WakeGrabThread();
-    } else {
-        StartAcquisitionThread(m_grabThread, m_grabExit, m_grabPause, m_grabExited, &Camera::GrabImageFunction);
-    }
-    if (m_deliveryThread) {
-        m_deliverPause.store(false);
-        WakeDeliveryThread();
-    } else {
-        StartAcquisitionThread(m_deliveryThread, m_deliverExit, m_deliverPause, m_deliverExited,
-                               &Camera::DeliverImageFunction);
-    }
+    m_statistics.ClearRates();
+    m_acquisition.Start([this] { GrabImageFunction(); }, [this] { DeliverImageFunction(); });
     Utilities::LogInfo(name, "Start grab image...", notifyHost);
     return 0;
 }
@@ -84,12 +50,8 @@ int Camera::StopGrabLocked(bool notify)
         return -1;
     }
     m_grabbing.store(false);
-    m_grabPause.store(true);
-    m_deliverPause.store(true);
-    WakeGrabThread();
-    WakeDeliveryThread();
-    WaitUntil([this] { return !m_grabActive.load() && !m_deliverActive.load(); });
-    ReleaseQueuedImages();
+    m_acquisition.Pause();
+    m_acquisition.ReleaseQueuedImages();
     if (ZYLGENICAM::ICamera* sdkCamera = m_camera.load())
         sdkCamera->StopGrabbing();
     if (notify) {
@@ -103,8 +65,17 @@ int Camera::StopGrabLocked(bool notify)
 void Camera::StopGrabFromGrabThread()
 {
     std::unique_lock<std::mutex> lock(m_stateMutex, std::defer_lock);
-    if (LockStateUnlessExiting(lock, m_grabExit))
+    if (LockStateUnlessExiting(lock, m_acquisition.GrabExitFlag()))
         StopGrabLocked(true);
+}
+
+void Camera::StopAtFrameLimit(bool deliverQueuedFirst)
+{
+    m_acquisition.MarkGrabInactive();
+    if (deliverQueuedFirst)
+        m_acquisition.WaitUntilDelivered();
+    std::this_thread::sleep_for(stopDelay);
+    StopGrabFromGrabThread();
 }
 
 int Camera::GrabImage(ZYLGENICAM::IImage*& image, unsigned long long timeoutMs)
@@ -112,101 +83,6 @@ int Camera::GrabImage(ZYLGENICAM::IImage*& image, unsigned long long timeoutMs)
     image = nullptr;
     ZYLGENICAM::ICamera* sdkCamera = m_camera.load();
     return sdkCamera ? sdkCamera->GetImage(image, timeoutMs) : -1;
-}
-
-void Camera::ClearImageList()
-{
-    m_imageList.ReleaseAll();
-}
-
-bool Camera::WaitForGrabStart()
-{
-    if (m_grabExit.load())
-        return false;
-    m_grabActive.store(false);
-    {
-        std::unique_lock<std::mutex> lock(m_grabWaitMutex);
-        m_grabCondition.wait(lock, [this] { return !m_grabPause.load(); });
-    }
-    m_grabActive.store(true);
-    return !m_grabExit.load();
-}
-
-bool Camera::WaitForDeliveryStart()
-{
-    if (m_deliverExit.load())
-        return false;
-    m_deliverActive.store(false);
-    {
-        std::unique_lock<std::mutex> lock(m_imageListMutex);
-        m_deliveryCondition.wait(lock, [this] { return !m_deliverPause.load(); });
-    }
-    m_deliverActive.store(true);
-    return !m_deliverExit.load();
-}
-
-// Exit counts as a pause too: closing may race a start that slipped in while it stopped.
-bool Camera::GrabShouldPause() const
-{
-    return m_grabPause.load() || m_grabExit.load();
-}
-
-bool Camera::DeliveryShouldPause() const
-{
-    return m_deliverPause.load() || m_deliverExit.load();
-}
-
-bool Camera::IsGrabPauseSet() const
-{
-    return m_grabPause.load();
-}
-
-bool Camera::GrabShouldExit() const
-{
-    return m_grabExit.load();
-}
-
-void Camera::PauseAfterFailedRead(int code)
-{
-    if (code != sdkLost) {
-        std::this_thread::sleep_for(failedReadPause);
-        return;
-    }
-    std::unique_lock<std::mutex> lock(m_grabWaitMutex);
-    m_grabCondition.wait(lock, [this] { return GrabShouldPause(); });
-}
-
-void Camera::MarkGrabInactive()
-{
-    m_grabActive.store(false);
-}
-
-void Camera::QueueImageKeepingNewest(ZYLGENICAM::IImage* image)
-{
-    {
-        std::lock_guard<std::mutex> lock(m_imageListMutex);
-        if (m_imageList.Size() >= 2) {
-            if (ZYLGENICAM::IImage* oldest = m_imageList.PopFront())
-                oldest->Release();
-        }
-        m_imageList.PushBack(image);
-    }
-    m_deliveryCondition.notify_one();
-}
-
-void Camera::QueueImage(ZYLGENICAM::IImage* image)
-{
-    {
-        std::lock_guard<std::mutex> lock(m_imageListMutex);
-        m_imageList.PushBack(image);
-    }
-    m_deliveryCondition.notify_one();
-}
-
-bool Camera::WaitForQueuedImage(std::unique_lock<std::mutex>& lock)
-{
-    m_deliveryCondition.wait(lock, [this] { return DeliveryShouldPause() || !m_imageList.Empty(); });
-    return !DeliveryShouldPause();
 }
 
 void Camera::NotifyAcqStatistics()
@@ -217,19 +93,24 @@ void Camera::NotifyAcqStatistics()
 
 void Camera::PublishStatistics(uint64_t frameCount, uint64_t errorCount, double frameRate, double bandwidth)
 {
-    m_frameCount.store(frameCount);
-    m_errorCount.store(errorCount);
-    m_frameRate.store(static_cast<float>(frameRate));
-    m_bandwidth.store(static_cast<float>(bandwidth));
-    m_displayRate.store(m_workingDisplayRate.load());
+    m_statistics.Publish(frameCount, errorCount, frameRate, bandwidth);
     NotifyAcqStatistics();
 }
 
 void Camera::PublishCounters(uint64_t frameCount, uint64_t errorCount)
 {
-    m_frameCount.store(frameCount);
-    m_errorCount.store(errorCount);
+    m_statistics.PublishCounters(frameCount, errorCount);
     NotifyAcqStatistics();
+}
+
+DeliveryStyle Camera::CurrentDeliveryStyle()
+{
+    return {false, false, 0, 0};
+}
+
+void Camera::DeliverFrame(ZYLGENICAM::IImage* image, const DeliveryStyle& style)
+{
+    DeliverImage(image, style.extra1, style.extra2);
 }
 
 void Camera::DeliverImage(ZYLGENICAM::IImage* image, int extra1, int extra2)
@@ -242,33 +123,6 @@ void Camera::DeliverImage(ZYLGENICAM::IImage* image, int extra1, int extra2)
     }
     SharedFrame* frame = m_framePool->Take(image);
     frame->Settle(host ? host->NotifyImageUpdate(GetKey(), frame, extra1, extra2) : 0);
-}
-
-void Camera::EndDelivery(int extra1)
-{
-    DeliverImage(nullptr, extra1, 0);
-    ReleaseQueuedImages();
-}
-
-void Camera::ReleaseQueuedImages()
-{
-    std::lock_guard<std::mutex> lock(m_imageListMutex);
-    ClearImageList();
-}
-
-uint64_t Camera::PublishedFrameCount() const
-{
-    return m_frameCount.load();
-}
-
-float Camera::GetFrameRate() const
-{
-    return m_frameRate.load();
-}
-
-void Camera::SetWorkingDisplayRate(float rate)
-{
-    m_workingDisplayRate.store(rate);
 }
 
 void Camera::LogGrabFailure(int code, uint64_t frameId)
@@ -294,9 +148,17 @@ void Camera::GrabImageFunction()
     RunGrabLoop({true, &PayloadFromPixelFormat});
 }
 
+void Camera::DeliverImageFunction()
+{
+    m_acquisition.RunDeliveryLoop([this] { return CurrentDeliveryStyle(); },
+                                  [this](ZYLGENICAM::IImage* image, const DeliveryStyle& style) {
+                                      DeliverFrame(image, style);
+                                  });
+}
+
 void Camera::RunGrabLoop(const GrabLoopStyle& style)
 {
-    while (WaitForGrabStart()) {
+    while (m_acquisition.WaitForGrabStart()) {
         uint64_t previousId = 0;
         const uint64_t start = NowMs();
         RateRing ring(start);
@@ -306,14 +168,14 @@ void Camera::RunGrabLoop(const GrabLoopStyle& style)
         uint64_t errors = 0;
         double rate = 0;
         double bandwidth = 0;
-        m_workingDisplayRate.store(0);
+        m_statistics.SetWorkingDisplayRate(0);
         uint64_t lastPublication = start;
         PublishStatistics(frames, errors, rate, bandwidth);
         bool reportGap = true;
         for (;;) {
             ZYLGENICAM::IImage* image = nullptr;
             const int result = GrabImage(image, grabTimeoutMs);
-            if (GrabShouldPause()) {
+            if (m_acquisition.GrabShouldPause()) {
                 if (image)
                     image->Release();
                 break;
@@ -334,24 +196,24 @@ void Camera::RunGrabLoop(const GrabLoopStyle& style)
             }
             uint64_t bytesPerFrame = 0;
             bool measurable = false;
-            if (result != 0) {
+            if (result != ZYLGENICAM::SDK_OK) {
                 if (image)
                     image->Release();
-                if (result == sdkTimeout) {
-                    if (PublishedFrameCount() != frames)
+                if (result == ZYLGENICAM::SDK_TIMEOUT) {
+                    if (m_statistics.FrameCount() != frames)
                         PublishStatistics(frames, errors, rate, bandwidth);
                     continue;
                 }
                 ++errors;
                 LogGrabFailure(result, reportedId);
-                PauseAfterFailedRead(result);
+                m_acquisition.PauseAfterFailedRead(result);
             } else {
                 // Sized before it is queued: once in the list the frame may already be delivered and released.
                 measurable = image->IsValid() && image->GetHeight() != 0;
                 if (measurable)
                     bytesPerFrame = style.bytesPerFrame(image);
                 ring.CountNewest(1);
-                QueueImageKeepingNewest(image);
+                m_acquisition.QueueImageKeepingNewest(image);
             }
             ++frames;
             if (image)
@@ -368,38 +230,9 @@ void Camera::RunGrabLoop(const GrabLoopStyle& style)
             lastPublication = now;
             reportGap = true;
             if (received >= frameLimit) {
-                m_grabActive.store(false);
-                std::this_thread::sleep_for(stopDelay);
-                StopGrabFromGrabThread();
+                StopAtFrameLimit(false);
                 break;
             }
         }
-    }
-}
-
-void Camera::DeliverImageFunction()
-{
-    while (WaitForDeliveryStart()) {
-        RateRing ring(NowMs());
-        for (;;) {
-            ZYLGENICAM::IImage* image = nullptr;
-            {
-                std::unique_lock<std::mutex> lock(m_imageListMutex);
-                if (!WaitForQueuedImage(lock))
-                    break;
-                image = m_imageList.PopBack();
-                ClearImageList();
-            }
-            ring.CountNewest(1);
-            // The frame now belongs to the host.
-            DeliverImage(image, 0, 0);
-            const uint64_t elapsed = NowMs() - ring.NewestTime();
-            if (elapsed < deliveryPeriodMs)
-                std::this_thread::sleep_for(std::chrono::milliseconds(deliveryPeriodMs - elapsed));
-            const uint64_t now = NowMs();
-            m_workingDisplayRate.store(std::min(static_cast<float>(ring.Rate(now)), m_frameRate.load()));
-            ring.Shift(now);
-        }
-        EndDelivery(0);
     }
 }

@@ -10,11 +10,11 @@
 #include "node/NodeAccess.h"
 
 namespace {
-constexpr uint16_t profileCameraKind = 1;
 constexpr int notifyHost = 1;
 constexpr uint64_t grabTimeoutMs = 300;
 constexpr uint64_t statisticsPeriodMs = 201;
-constexpr uint64_t deliveryPeriodMs = 30;
+// Profile devices report a read without frame under this code as well as under SDK_TIMEOUT.
+constexpr int sdkProfileTimeout = -12;
 constexpr int batchMode = 2;
 constexpr int singleProfileMode = 1;
 constexpr uint64_t bytesPerProfile16 = 6400;
@@ -23,8 +23,6 @@ constexpr uint64_t bytesPerProfile32 = 12800;
 constexpr uint64_t chunkHeaderBytes = 24;
 constexpr double bitsPerMegabit = 125000.0;
 constexpr auto switchWritePause = std::chrono::milliseconds(10);
-constexpr auto drainPollInterval = std::chrono::milliseconds(10);
-constexpr auto stopDelay = std::chrono::milliseconds(50);
 
 const std::array<const char*, 4> modeSwitches = {"EnableExtraction", "EnableImage", "EnableCalibration",
                                                  "BatchEnable"};
@@ -49,7 +47,7 @@ bool SwitchIsOn(const std::string& text)
 
 LPCamera::LPCamera(ZYLGENICAM::ICamera* camera) : Camera(camera)
 {
-    SetKind(profileCameraKind);
+    SetKind(CameraKind::Profile);
 }
 
 LPCamera::~LPCamera()
@@ -192,7 +190,7 @@ void LPCamera::QueueProfileImage(ZYLGENICAM::IImage* image, int mode, bool limit
                                  uint64_t framesToAcquire)
 {
     if (mode != batchMode) {
-        QueueImageKeepingNewest(image);
+        m_acquisition.QueueImageKeepingNewest(image);
         return;
     }
     // Batches are all delivered, in order; frames past a limited acquisition are dropped.
@@ -200,29 +198,15 @@ void LPCamera::QueueProfileImage(ZYLGENICAM::IImage* image, int mode, bool limit
         image->Release();
         return;
     }
-    QueueImage(image);
-}
-
-void LPCamera::WaitUntilImageListDrained()
-{
-    for (;;) {
-        {
-            std::lock_guard<std::mutex> lock(m_imageListMutex);
-            if (m_imageList.Empty())
-                return;
-        }
-        if (GrabShouldExit())
-            return;
-        std::this_thread::sleep_for(drainPollInterval);
-    }
+    m_acquisition.QueueImage(image);
 }
 
 void LPCamera::GrabImageFunction()
 {
     for (;;) {
-        if (IsGrabPauseSet())
+        if (m_acquisition.IsGrabPauseSet())
             SetText(ViewerBiz3::CAM_ACQ_LIMIT, "0");
-        if (!WaitForGrabStart())
+        if (!m_acquisition.WaitForGrabStart())
             return;
         RunAcquisition();
     }
@@ -246,7 +230,7 @@ void LPCamera::RunAcquisition()
     for (;;) {
         ZYLGENICAM::IImage* image = nullptr;
         const int result = GrabImage(image, grabTimeoutMs);
-        if (GrabShouldPause()) {
+        if (m_acquisition.GrabShouldPause()) {
             if (image)
                 image->Release();
             PublishCounters(profiles, errors);
@@ -266,17 +250,17 @@ void LPCamera::RunAcquisition()
             lastId = frameId;
         }
         const uint64_t divisor = mode == batchMode ? bandwidthDivisor : 1;
-        if (result != 0) {
+        if (result != ZYLGENICAM::SDK_OK) {
             if (image)
                 image->Release();
-            if (result == -11 || result == -12) {
-                if (PublishedFrameCount() != profiles)
+            if (result == ZYLGENICAM::SDK_TIMEOUT || result == sdkProfileTimeout) {
+                if (m_statistics.FrameCount() != profiles)
                     PublishStatistics(profiles, errors, rate, bandwidth / divisor);
                 continue;
             }
             ++errors;
             LogGrabFailure(result, lastId);
-            PauseAfterFailedRead(result);
+            m_acquisition.PauseAfterFailedRead(result);
             continue;
         }
 
@@ -298,45 +282,23 @@ void LPCamera::RunAcquisition()
         lastStatistics = now;
 
         if (batchComplete) {
-            MarkGrabInactive();
-            WaitUntilImageListDrained();
-            std::this_thread::sleep_for(stopDelay);
-            StopGrabFromGrabThread();
+            StopAtFrameLimit(true);
             return;
         }
     }
 }
 
-void LPCamera::DeliverImageFunction()
+DeliveryStyle LPCamera::CurrentDeliveryStyle()
 {
-    while (WaitForDeliveryStart()) {
-        RateRing ring(NowMs());
-        for (;;) {
-            int mode = 0;
-            ZYLGENICAM::IImage* image = nullptr;
-            {
-                std::unique_lock<std::mutex> lock(m_imageListMutex);
-                if (!WaitForQueuedImage(lock))
-                    break;
-                mode = GetCameraImageMode();
-                image = m_imageList.PopFront();
-                if (mode != batchMode)
-                    ClearImageList();
-            }
-            ring.CountNewest(1);
-            if (IsMarkedOnline())
-                DeliverImage(image, mode, static_cast<int>(m_scaler.load()));
-            else
-                image->Release();
-            if (mode != batchMode) {
-                const uint64_t elapsed = NowMs() - ring.NewestTime();
-                if (elapsed < deliveryPeriodMs)
-                    std::this_thread::sleep_for(std::chrono::milliseconds(deliveryPeriodMs - elapsed));
-            }
-            const uint64_t now = NowMs();
-            SetWorkingDisplayRate(std::min(static_cast<float>(ring.Rate(now)), GetFrameRate()));
-            ring.Shift(now);
-        }
-        EndDelivery(GetCameraImageMode());
+    const int mode = GetCameraImageMode();
+    return {true, mode == batchMode, mode, static_cast<int>(m_scaler.load())};
+}
+
+void LPCamera::DeliverFrame(ZYLGENICAM::IImage* image, const DeliveryStyle& style)
+{
+    if (image && !IsMarkedOnline()) {
+        image->Release();
+        return;
     }
+    Camera::DeliverFrame(image, style);
 }

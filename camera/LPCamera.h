@@ -18,7 +18,6 @@ public:
     // Upgrading is not supported for profile cameras: always -1.
     int FirmwareUpgrade(const std::string& filePath, int* progress, bool* done) override;
     void GrabImageFunction() override;
-    void DeliverImageFunction() override;
 
     // Reads the four switches and derives the image mode from them.
     void GetGrabMode();
@@ -30,6 +29,12 @@ public:
     int CameraUpgrade(const std::string& filePath, int option);
     // Reports done/total percent to the progress integer given to FirmwareUpgrade.
     void updateProgressValue(uint32_t done, uint32_t total);
+
+protected:
+    // Profiles go out oldest first with the mode and scaler; a batch is delivered whole and unpaced.
+    DeliveryStyle CurrentDeliveryStyle() override;
+    // Frames that arrive while the camera is marked offline are dropped.
+    void DeliverFrame(ZYLGENICAM::IImage* image, const DeliveryStyle& style) override;
 
 private:
     struct AcquisitionSettings {
@@ -44,7 +49,6 @@ private:
     void QueueProfileImage(ZYLGENICAM::IImage* image, int mode, bool limited, uint64_t frameId,
                            uint64_t framesToAcquire);
     void RunAcquisition();
-    void WaitUntilImageListDrained();
 
     std::atomic<bool> m_extractionEnabled{false};
     std::atomic<bool> m_imageEnabled{false};

@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr uint16_t KIND_CAMERA_LINK = 4;
-
 // The first camera attached to a card drives it.
 void AttachToCard(CLCamera* camera, Card* card, const std::string& cameraKey)
 {
@@ -270,7 +268,7 @@ bool CameraLinkDevices::DiscoverCameras()
         camera->SetName(identifier);
         camera->SetKey(identifier);
         camera->SetListKey(cardKey);
-        camera->SetKind(KIND_CAMERA_LINK);
+        camera->SetKind(CameraKind::CameraLink);
         camera->SetFlag3(false);
         FillRecordTexts(*camera, record);
         camera->SetText(ViewerBiz3::CAM_CL_PROTOCOL, SdkText(record->GetCLInfo(ZYLGENICAM::CL_PROTOCOL)));

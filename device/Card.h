@@ -11,6 +11,7 @@
 #include <string>
 
 #include "ViewerBiz3Types.h"
+#include "camera/FrameGrabberCard.h"
 
 namespace GenApi_3_4 {
 struct INodeMap;
@@ -18,7 +19,7 @@ struct INodeMap;
 
 class CLCamera;
 
-class Card {
+class Card final : public FrameGrabberCard {
 public:
     // Card types (CARD_INFO 1).
     static constexpr uint16_t NETWORK_ADAPTER = 1;
@@ -50,7 +51,7 @@ public:
     uint16_t GetType() const { return m_type.load(); }
     void SetType(uint16_t type) { m_type.store(type); }
     void SetFlag2(uint8_t value) { m_flag2.store(value); }
-    bool IsOpened() const { return m_opened.load() != 0; }
+    bool IsOpened() const override { return m_opened.load() != 0; }
     void SetOpened(bool opened);
     uint8_t GetInUseCount() const { return m_inUse.load(); }
     void SetInUseCount(uint8_t count) { m_inUse.store(count); }
@@ -58,6 +59,7 @@ public:
     // Texts 6-19 (the one between 12 and 13 is not reachable by CARD_INFO).
     std::string GetText(ViewerBiz3::CARD_INFO info);
     void SetText(ViewerBiz3::CARD_INFO info, const std::string& text);
+    void SetCameraName(const std::string& name) override { SetText(CAMERA_NAME_TEXT, name); }
 
 private:
     static constexpr int FIRST_TEXT = ViewerBiz3::CARD_INTERFACE_NAME;

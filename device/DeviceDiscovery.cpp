@@ -19,14 +19,7 @@
 namespace {
 
 constexpr int TIMER_PERIOD_TICKS = 30;
-constexpr uint16_t KIND_PLAIN = 0;
-constexpr uint16_t KIND_PROFILE = 1;
-constexpr uint16_t KIND_USB = 3;
-constexpr uint16_t KIND_SHOW_MODE = 5;
 const char* const USB_CARD_KEY = "usbCard";
-
-// Kinds below this one are GigE cameras for recognition purposes.
-constexpr uint16_t FIRST_NON_GIGE_KIND = 3;
 
 // Simulated cameras come in several kinds; their transport and serial number tell them apart.
 bool IsSimulatedCamera(Camera* camera, const std::string& serial)
@@ -198,7 +191,7 @@ void DeviceDiscovery::AttachOpenedCameras()
         Camera* camera = entry.second;
         if (camera == nullptr)
             continue;
-        bool usb = camera->GetKind() == KIND_USB;
+        bool usb = camera->IsKind(CameraKind::Usb);
         std::string hostInterface = camera->GetHostInterfaceAddress();
         for (auto& adapter : m_registry.adapterList) {
             Card* card = adapter.second;
@@ -221,16 +214,16 @@ std::unique_ptr<Camera> DeviceDiscovery::CreateListedCamera(ZYLGENICAM::ICameraI
     std::string model = SdkText(info->GetModelName());
     std::string serial = SdkText(info->GetSerialNumber());
     std::unique_ptr<Camera> camera;
-    uint16_t kind;
+    CameraKind kind;
     if (!serial.empty() && serial[0] == 'F') {
         camera = std::make_unique<LPCamera>(handle);
-        kind = KIND_PROFILE;
+        kind = CameraKind::Profile;
     } else if (model.find("QV-RM") != std::string::npos) {
         camera = std::make_unique<SLCamera>(handle);
-        kind = KIND_SHOW_MODE;
+        kind = CameraKind::ShowMode;
     } else {
         camera = std::make_unique<Camera>(handle);
-        kind = KIND_PLAIN;
+        kind = CameraKind::Area;
     }
     camera->SetKind(kind);
     camera->SetGrabbing(handle != nullptr && handle->IsGrabbing());
@@ -272,7 +265,7 @@ void DeviceDiscovery::AttachToAdapter(Camera* camera, ZYLGENICAM::ICameraInfo* i
             break;
         }
     } else if (tlType == ZYLGENICAM::TL_USB) {
-        camera->SetKind(KIND_USB);
+        camera->SetKind(CameraKind::Usb);
         camera->SetListKey(USB_CARD_KEY);
         auto usbCard = m_registry.adapterList.find(USB_CARD_KEY);
         if (usbCard != m_registry.adapterList.end())
@@ -306,14 +299,14 @@ bool DeviceDiscovery::CameraIsOpened(ZYLGENICAM::ICameraInfo* info)
         std::string mac = SdkText(info->GetGigEInfo(ZYLGENICAM::GIGE_MAC));
         for (auto entry = opened.begin(); entry != opened.end() && match == opened.end(); ++entry) {
             Camera* camera = entry->second;
-            if (camera != nullptr && camera->GetKind() < FIRST_NON_GIGE_KIND &&
+            if (camera != nullptr && camera->GetKind() < static_cast<uint16_t>(firstNonGigeKind) &&
                 camera->GetInfo(ViewerBiz3::CAM_MAC) == mac)
                 match = entry;
         }
     } else if (tlType == ZYLGENICAM::TL_USB) {
         for (auto entry = opened.begin(); entry != opened.end() && match == opened.end(); ++entry) {
             Camera* camera = entry->second;
-            if (camera != nullptr && camera->GetKind() == KIND_USB && camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
+            if (camera != nullptr && camera->IsKind(CameraKind::Usb) && camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
                 match = entry;
         }
     } else if (tlType == ZYLGENICAM::TL_SIMULATED) {

@@ -15,9 +15,6 @@
 
 namespace {
 
-constexpr uint16_t KIND_PROFILE = 1;
-constexpr uint16_t KIND_SHOW_MODE = 5;
-
 // The decimal frame count of "AcquisitionFrameCount"; a value that is no number (a device may
 // describe the node as a string or enumeration) means no limit rather than a limit of 0.
 unsigned long long ParseFrameCount(const std::string& source, const std::string& count)
@@ -247,7 +244,7 @@ int DeviceManager::SetSLCameraShowMode(std::string id, int mode)
     Camera* camera = m_registry.FindDeviceListCamera(id);
     if (camera == nullptr)
         return -1;
-    if (camera->GetKind() == KIND_SHOW_MODE) {
+    if (camera->IsKind(CameraKind::ShowMode)) {
         if (auto* showModeCamera = dynamic_cast<SLCamera*>(camera))
             showModeCamera->SetCameraShowMode(mode);
         m_event.NotifySLImageShowModeUpdateListener(id, mode);
@@ -263,7 +260,7 @@ int DeviceManager::GetSLCameraShowMode(std::string id)
     if (camera == nullptr)
         return -1;
     auto* showModeCamera = dynamic_cast<SLCamera*>(camera);
-    if (camera->GetKind() != KIND_SHOW_MODE || showModeCamera == nullptr)
+    if (!camera->IsKind(CameraKind::ShowMode) || showModeCamera == nullptr)
         return -2;
     return showModeCamera->GetCameraShowMode();
 }
@@ -282,7 +279,7 @@ int DeviceManager::SetCameraImageMode(std::string id, int mode, bool notify)
     if (camera == nullptr)
         return -1;
     auto* profileCamera = dynamic_cast<LPCamera*>(camera);
-    if (camera->GetKind() != KIND_PROFILE || profileCamera == nullptr)
+    if (!camera->IsKind(CameraKind::Profile) || profileCamera == nullptr)
         return -2;
     std::string key = camera->GetKey();
     if (mode == 3) {
@@ -304,7 +301,7 @@ int DeviceManager::GetCameraImageMode(std::string id)
     if (camera == nullptr)
         return -1;
     auto* profileCamera = dynamic_cast<LPCamera*>(camera);
-    if (camera->GetKind() != KIND_PROFILE || profileCamera == nullptr)
+    if (!camera->IsKind(CameraKind::Profile) || profileCamera == nullptr)
         return -2;
     return profileCamera->GetCameraImageMode();
 }

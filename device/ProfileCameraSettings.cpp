@@ -5,11 +5,9 @@
 
 namespace {
 
-constexpr uint16_t KIND_PROFILE = 1;
-
 bool HasParameterFile(Camera* camera)
 {
-    return camera != nullptr && camera->GetKind() == KIND_PROFILE;
+    return camera != nullptr && camera->IsKind(CameraKind::Profile);
 }
 
 } // namespace

@@ -18,35 +18,35 @@ const char* const kNodeUnwritable = "Node unwritable";
 const char* const kUnsupportedType = "Unsupported type";
 const char* const kAvailabilityFailed = "Get pIsAvailable failed!";
 
-// The named node; null with -1 (no node map) or -4 (no such node) in failure and the message set.
+// The named node; null with NODE_MAP_MISSING or NODE_MISSING in failure and the message set.
 INode* LookUpNode(INodeMap* nodeMap, const std::string& name, std::string& message, int& failure) {
     if (nodeMap == nullptr) {
         message = kNodeMapNull;
-        failure = -1;
+        failure = NODE_MAP_MISSING;
         return nullptr;
     }
     INode* node = nodeMap->GetNode(name);
     if (node == nullptr) {
         message = kNodeMissing;
-        failure = -4;
+        failure = NODE_MISSING;
     }
     return node;
 }
 
-// Runs the part of a node operation that follows a successful lookup: GenICam exceptions become -7 with
-// their description, anything else -8 with the message untouched.
+// Runs the part of a node operation that follows a successful lookup: GenICam exceptions become
+// NODE_GENICAM_ERROR with their description, anything else NODE_UNEXPECTED_ERROR.
 template <class Operation> int Guarded(std::string& message, Operation operation) {
     try {
         return operation();
     } catch (const GenICam_3_4::GenericException& exception) {
         message = exception.GetDescription();
-        return -7;
+        return NODE_GENICAM_ERROR;
     } catch (...) {
-        return -8;
+        return NODE_UNEXPECTED_ERROR;
     }
 }
 
-// The node's pIsAvailable test: 0 when it passes or does not apply, -9 when it fails.
+// The node's pIsAvailable test: 0 when it passes or does not apply, NODE_UNAVAILABLE when it fails.
 int CheckAvailability(INodeMap* nodeMap, INode* node, std::string& message) {
     GenICam_3_4::gcstring availabilityName;
     GenICam_3_4::gcstring attribute;
@@ -56,7 +56,7 @@ int CheckAvailability(INodeMap* nodeMap, INode* node, std::string& message) {
     INode* availabilityNode = nodeMap->GetNode(availabilityName);
     if (availabilityNode == nullptr) {
         message = kAvailabilityFailed;
-        return -9;
+        return NODE_UNAVAILABLE;
     }
     if (availabilityNode->GetPrincipalInterfaceType() != GenApi_3_4::intfIInteger) {
         return 0;
@@ -65,11 +65,11 @@ int CheckAvailability(INodeMap* nodeMap, INode* node, std::string& message) {
     try {
         if (!availability.IsValid() || availability->GetValue(true, true) == 0) {
             message = kAvailabilityFailed;
-            return -9;
+            return NODE_UNAVAILABLE;
         }
     } catch (const GenICam_3_4::GenericException& exception) {
         message = exception.GetDescription();
-        return -9;
+        return NODE_UNAVAILABLE;
     }
     return 0;
 }
@@ -79,7 +79,7 @@ template <class Ptr, class Format> int ReadTyped(INode* node, std::string& value
     Ptr pointer(node);
     if (!GenApi_3_4::IsReadable(pointer)) {
         message = kNodeUnreadable;
-        return -5;
+        return NODE_NOT_ACCESSIBLE;
     }
     value = format(*pointer);
     return 0;
@@ -93,7 +93,7 @@ int WriteTyped(INode* node, std::string& message, const char* unwritableMessage,
         if (unwritableMessage != nullptr) {
             message = unwritableMessage;
         }
-        return -5;
+        return NODE_NOT_ACCESSIBLE;
     }
     write(*pointer);
     return 0;
@@ -136,7 +136,7 @@ int GetNodeValue(INodeMap* nodeMap, std::string name, std::string& value, std::s
                 [](GenApi_3_4::IEnumeration& enumeration) { return std::string(enumeration.ToString(true, true)); });
         default:
             message = kUnsupportedType;
-            return -6;
+            return NODE_TYPE_UNSUPPORTED;
         }
     });
 }
@@ -170,14 +170,14 @@ int SetNodeValue(INodeMap* nodeMap, std::string name, std::string value, std::st
                 text.FromString(GenICam_3_4::gcstring(value), true);
             });
         case GenApi_3_4::intfIEnumeration:
-            // An unwritable enumeration reports -5 without a message; callers depend on that.
+            // An unwritable enumeration reports NODE_NOT_ACCESSIBLE without a message; callers depend on that.
             return WriteTyped<GenApi_3_4::CEnumerationPtr>(
                 node, message, nullptr, [&](GenApi_3_4::IEnumeration& enumeration) {
                     enumeration.FromString(GenICam_3_4::gcstring(value), true);
                 });
         default:
             message = kUnsupportedType;
-            return -6;
+            return NODE_TYPE_UNSUPPORTED;
         }
     });
 }
@@ -192,12 +192,12 @@ int GetIntNodeInfo(INodeMap* nodeMap, std::string name, std::string& value, std:
     return Guarded(message, [&]() {
         if (node->GetPrincipalInterfaceType() != GenApi_3_4::intfIInteger) {
             message = kUnsupportedType;
-            return -6;
+            return NODE_TYPE_UNSUPPORTED;
         }
         GenApi_3_4::CIntegerPtr integer(node);
         if (!GenApi_3_4::IsReadable(integer)) {
             message = kNodeUnreadable;
-            return -5;
+            return NODE_NOT_ACCESSIBLE;
         }
         value = std::to_string(integer->GetValue(true, true));
         min = std::to_string(integer->GetMin());

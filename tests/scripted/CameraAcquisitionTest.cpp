@@ -37,11 +37,7 @@ public:
     using Camera::Camera;
     ~InspectableCamera() override { ShutDownForDestruction(); }
 
-    std::size_t WaitingImages()
-    {
-        std::lock_guard<std::mutex> lock(m_imageListMutex);
-        return m_imageList.Size();
-    }
+    std::size_t WaitingImages() { return m_acquisition.QueuedImageCount(); }
 };
 
 int ThreadCount()
