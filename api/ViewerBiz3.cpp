@@ -5,7 +5,6 @@
 
 #include <exception>
 
-#include "ZylSdk.h"
 #include "device/DeviceManager.h"
 #include "events/EventManager.h"
 #include "log/Log.h"
@@ -92,8 +91,7 @@ namespace ViewerBiz3 {
 
 int Init()
 {
-    RunStep(__func__, [] { ZYLGENICAM::Init(); });
-    if (!RunStep(__func__, [] { m_device = DeviceManager::getInstance(); })) {
+    if (!RunStep(__func__, [] { m_device = DeviceManager::Start(); })) {
         m_device = nullptr;
     }
     RunStep(__func__, [] { m_parameterManager.loadIniFile(); });
@@ -104,9 +102,8 @@ int Init()
 int UnInit()
 {
     RunStep(__func__, [] { m_event.ClearAll(); });
-    RunStep(__func__, [] { DeviceManager::getInstance()->Release(); });
+    RunStep(__func__, [] { DeviceManager::Shutdown(); });
     RunStep(__func__, [] { m_parameterManager.saveIniFile(); });
-    RunStep(__func__, [] { ZYLGENICAM::UnInit(); });
     return 0;
 }
 

@@ -18,21 +18,16 @@ if(VB3_SANITIZE STREQUAL "")
   target_link_options(ViewerBiz3 PRIVATE "LINKER:--no-undefined")
 endif()
 
-# The public headers, laid out as a host sees them after installation, so that
-# in-tree hosts (the demo) include <ViewerBiz3/ViewerBiz3.h> exactly like others.
-set(VB3_PUBLIC_HEADERS
-  ${PROJECT_SOURCE_DIR}/api/ViewerBiz3.h
-  ${PROJECT_SOURCE_DIR}/api/ViewerBiz3Types.h
-  ${PROJECT_SOURCE_DIR}/api/ViewerBiz3Listeners.h
-  ${PROJECT_SOURCE_DIR}/sdk/ZylImage.h)
+# The public headers live in include/ViewerBiz3/, laid out as a host sees them
+# after installation, so in-tree hosts (the demo, the viewer) include
+# <ViewerBiz3/ViewerBiz3.h> exactly like others. The GenApi interface copies
+# (GenApiHeaders.cmake) are generated next to them under the build tree.
+file(GLOB VB3_PUBLIC_HEADERS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/ViewerBiz3/*.h)
 set(VB3_PUBLIC_INCLUDE_DIR ${PROJECT_BINARY_DIR}/public-include)
 file(MAKE_DIRECTORY ${VB3_PUBLIC_INCLUDE_DIR}/ViewerBiz3)
-foreach(header ${VB3_PUBLIC_HEADERS})
-  get_filename_component(header_name ${header} NAME)
-  file(CREATE_LINK ${header} ${VB3_PUBLIC_INCLUDE_DIR}/ViewerBiz3/${header_name} SYMBOLIC)
-endforeach()
 target_include_directories(ViewerBiz3 INTERFACE
-  $<BUILD_INTERFACE:${VB3_PUBLIC_INCLUDE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${VB3_PUBLIC_INCLUDE_DIR}>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
 # Installed in two components, which become the runtime and the development
 # Debian packages (cmake/Debian.cmake).

@@ -1,68 +1,70 @@
-// The singleton's life: construction, the shutdown sequence, the notifications
-// and the deferred destruction of camera objects dropped from the maps.
+// The singleton's life (with the SDK's), the shutdown sequence, the refresh
+// requests and the notifications.
 #include "device/DeviceManager.h"
 
-#include <chrono>
-#include <functional>
+#include <memory>
 #include <utility>
 
-#include "camera/CLCamera.h"
-#include "camera/Camera.h"
-#include "device/Card.h"
-#include "device/DeviceMaps.h"
 #include "events/EventManager.h"
 #include "log/Log.h"
 
-DeviceManager* DeviceManager::m_deviceManager = nullptr;
-std::mutex DeviceManager::m_mtx_manager;
-
 namespace {
 
-void PollEvery100Microseconds(const std::atomic<bool>& done, const std::function<void()>& afterSleep = {})
+// The one manager of the process; Release empties it and the next use creates it again.
+struct ManagerSlot {
+    // A manager a host never released is left to the process's end: its threads
+    // may still run while the static objects they use are destroyed.
+    ~ManagerSlot() { static_cast<void>(manager.release()); }
+
+    std::mutex mutex;
+    std::unique_ptr<DeviceManager> manager;
+};
+
+ManagerSlot& TheManagerSlot()
 {
-    while (!done.load()) {
-        std::this_thread::sleep_for(std::chrono::microseconds(100));
-        if (afterSleep)
-            afterSleep();
-    }
+    static ManagerSlot slot;
+    return slot;
 }
 
 } // namespace
 
+DeviceManager* DeviceManager::Start()
+{
+    ZYLGENICAM::Init();
+    return getInstance();
+}
+
+void DeviceManager::Shutdown()
+{
+    getInstance()->Release();
+    ZYLGENICAM::UnInit();
+}
+
 DeviceManager* DeviceManager::getInstance()
 {
-    // No second test after locking: the host's single Init call makes creation race-free.
-    if (m_deviceManager == nullptr) {
-        std::lock_guard<std::mutex> lock(m_mtx_manager);
-        m_deviceManager = new DeviceManager();
-    }
-    return m_deviceManager;
+    ManagerSlot& slot = TheManagerSlot();
+    std::lock_guard<std::mutex> lock(slot.mutex);
+    if (!slot.manager)
+        slot.manager.reset(new DeviceManager());
+    return slot.manager.get();
 }
 
 void DeviceManager::Release()
 {
-    if (m_deviceManager != nullptr) {
-        delete m_deviceManager;
-        m_deviceManager = nullptr;
+    ManagerSlot& slot = TheManagerSlot();
+    // Destroyed outside the slot's lock, at the end of this call.
+    std::unique_ptr<DeviceManager> released;
+    {
+        std::lock_guard<std::mutex> lock(slot.mutex);
+        if (slot.manager.get() == this)
+            released = std::move(slot.manager);
     }
 }
 
-DeviceManager::DeviceManager()
+DeviceManager::DeviceManager() : m_discovery(m_registry, *this), m_cameraLink(m_registry, *this)
 {
-    m_stop.store(false);
-    m_idle.store(true);
-    m_repeatPass.store(false);
-    m_notificationsEnabled.store(true);
-    m_refreshCondition = new std::condition_variable();
     Utilities::SetUpLogging();
-    m_timerTicks.store(0);
-    m_timerThread = std::thread([this] {
-        m_timerEnded.store(false);
-        TimerUpdateDeviceListFunction();
-        // Last access to this object: the destructor frees it once it sees the flag.
-        m_timerEnded.store(true);
-    });
-    m_timerThread.detach();
+    m_discovery.StartTimer();
     SetCameraHost(this);
 }
 
@@ -75,103 +77,33 @@ DeviceManager::~DeviceManager()
     for (const std::string& id : GetOpenedCameraIds())
         CloseCamera(id);
     SetCameraHost(nullptr);
-    DestroyAllDevices();
-    delete m_refreshCondition;
+    m_registry.DestroyAll();
 }
 
 void DeviceManager::StopBackgroundThreads()
 {
-    m_idle.store(false);
-    m_stop.store(true);
-    m_refreshCondition->notify_one();
-    { std::lock_guard<std::mutex> lock(m_timerMutex); }
-    m_timerWake.notify_all();
-    PollEvery100Microseconds(m_timerEnded);
-    if (m_discoveryThread != nullptr) {
-        // The wake-up is repeated because one sent before the thread waits would be lost.
-        PollEvery100Microseconds(m_discoveryEnded, [this] { m_refreshCondition->notify_one(); });
-        m_refreshCondition->notify_one();
-        if (m_discoveryThread->joinable())
-            m_discoveryThread->join();
-        delete m_discoveryThread;
-        m_discoveryThread = nullptr;
-    }
-    while (m_clRefreshThreads.load() != 0)
-        std::this_thread::sleep_for(std::chrono::microseconds(100));
-    if (m_timerThread.joinable())
-        m_timerThread.join();
+    m_discovery.Stop();
+    m_cameraLink.Stop();
 }
 
-void DeviceManager::DestroyAllDevices()
+int DeviceManager::RefreshDeviceList(int types)
 {
-    // A lost camera's watchdog may still be handing itself over; it holds this mutex until done.
-    std::lock_guard<std::mutex> online(onlineMutex);
-    {
-        std::lock_guard<std::mutex> lock(m_retiredMutex);
-        for (Camera* camera : m_retiredCameras)
-            delete camera;
-        m_retiredCameras.clear();
-    }
-    // Cards only reference their card cameras, which the camera lists own.
-    ClearMap(m_adapterList, m_adapterListMutex);
-    ClearMap(m_secondAdapterMap, m_secondAdapterMapMutex);
-    ClearMap(m_cardList, m_cardListMutex);
-    ClearMap(m_spareCardMap, m_cardListMutex);
-    ClearMap(m_furtherCardMap, m_cardListMutex);
-    {
-        std::lock_guard<std::mutex> lock(m_openedCardsMutex);
-        m_openedCards.clear();
-    }
-    {
-        std::lock_guard<std::mutex> lock(m_openedCamerasMutex);
-        m_openedCameras.clear();
-    }
-    ClearMap(m_deviceList, m_deviceListMutex);
-    {
-        std::lock_guard<std::mutex> opened(m_openedCLCamerasMutex);
-        m_openedCLCameras.clear();
-    }
-    {
-        std::lock_guard<std::mutex> opened(m_openedOtherCamerasMutex);
-        m_openedOtherCameras.clear();
-    }
-    ClearMap(m_clCameraList, m_clCameraListMutex);
-    ClearMap(m_otherCameraList, m_otherCameraListMutex);
+    if ((types & DeviceDiscovery::CameraLinkBits) != 0)
+        m_cameraLink.StartRefresh((types & ZYLGENICAM::TL_CAMERALINK) != 0);
+    if ((types & ~DeviceDiscovery::CameraLinkBits) != 0)
+        m_discovery.RequestPass();
+    return 0;
 }
 
-DeviceManager::CallScope::CallScope(DeviceManager& manager) : m_manager(manager)
+void DeviceManager::SetTLTypeList(unsigned long long mask)
 {
-    m_manager.m_activeCalls.fetch_add(1);
+    m_discovery.SetTLTypeMask(mask);
+    m_event.NotifyTLTypeUpdateListener(mask);
 }
 
-DeviceManager::CallScope::~CallScope()
+unsigned long long DeviceManager::GetTLTypeList()
 {
-    m_manager.m_activeCalls.fetch_sub(1);
-}
-
-void DeviceManager::RetireCamera(Camera* camera)
-{
-    if (camera == nullptr)
-        return;
-    std::lock_guard<std::mutex> lock(m_retiredMutex);
-    m_retiredCameras.push_back(camera);
-}
-
-void DeviceManager::DestroyRetiredCameras()
-{
-    std::vector<Camera*> doomed;
-    {
-        std::lock_guard<std::mutex> lock(m_retiredMutex);
-        doomed.swap(m_retiredCameras);
-    }
-    // Taken out of the list before the test: a call that started later cannot reach them.
-    if (m_activeCalls.load() != 0) {
-        std::lock_guard<std::mutex> lock(m_retiredMutex);
-        m_retiredCameras.insert(m_retiredCameras.end(), doomed.begin(), doomed.end());
-        return;
-    }
-    for (Camera* camera : doomed)
-        delete camera;
+    return m_discovery.GetTLTypeMask();
 }
 
 void DeviceManager::NotifyFocusUpdate(std::string id, ViewerBiz3::FOCUS_TYPE type)
@@ -207,12 +139,63 @@ void DeviceManager::NotifyDeviceListUpdate()
     if (!m_notificationsEnabled.load())
         return;
     std::vector<std::string> cardKeys;
-    AppendKeys(m_adapterList, m_adapterListMutex, cardKeys);
-    AppendKeys(m_cardList, m_cardListMutex, cardKeys);
-    AppendKeys(m_secondAdapterMap, m_secondAdapterMapMutex, cardKeys);
     std::vector<std::string> cameraKeys;
-    AppendKeys(m_deviceList, m_deviceListMutex, cameraKeys);
-    AppendKeys(m_clCameraList, m_clCameraListMutex, cameraKeys);
-    AppendKeys(m_otherCameraList, m_otherCameraListMutex, cameraKeys);
+    m_registry.ListedKeys(cardKeys, cameraKeys);
     m_event.NotifyDeviceListUpdateListener(0, cardKeys, cameraKeys);
+}
+
+int DeviceManager::OpenCard(std::string key)
+{
+    return m_cameraLink.OpenCard(key);
+}
+
+int DeviceManager::CloseCard(std::string key)
+{
+    return m_cameraLink.CloseCard(key);
+}
+
+std::vector<std::string> DeviceManager::GetOpenedCardIds()
+{
+    return m_registry.GetOpenedCardIds();
+}
+
+std::string DeviceManager::GetCardInfo(std::string key, ViewerBiz3::CARD_INFO info)
+{
+    return m_registry.GetCardInfo(key, info);
+}
+
+int DeviceManager::GetCardNodeValue(std::string key, std::string node, std::string& value)
+{
+    return m_cameraLink.GetCardNodeValue(key, node, value);
+}
+
+int DeviceManager::SetCardNodeValue(std::string key, std::string node, std::string value)
+{
+    return m_cameraLink.SetCardNodeValue(key, node, value);
+}
+
+int DeviceManager::OpenCLCamera(std::string key, std::string protocol, std::string serialPort)
+{
+    DeviceRegistry::CallScope scope(m_registry);
+    std::lock_guard<std::mutex> operation(m_registry.operationMutex);
+    return m_cameraLink.OpenCamera(key, protocol, serialPort);
+}
+
+int DeviceManager::CloseCLCamera(std::string key)
+{
+    DeviceRegistry::CallScope scope(m_registry);
+    std::lock_guard<std::mutex> operation(m_registry.operationMutex);
+    return m_cameraLink.CloseCamera(key);
+}
+
+void DeviceManager::AddCLCamera(Camera* camera)
+{
+    m_cameraLink.AddCamera(camera);
+}
+
+int DeviceManager::GetCLProtocolsAndSerials(std::list<std::string>& protocols, std::list<std::string>& serials)
+{
+    protocols = ZYLGENICAM::GetCLProtocols();
+    serials = ZYLGENICAM::GetCLSerials();
+    return 0;
 }

@@ -1,22 +1,24 @@
-// The process-wide owner of every camera and card object: it routes each
-// per-device request of the interface by identifier, keeps the live device list
-// (discovery thread paced by a timer thread), the host adapters, the Camera Link
-// cards and cameras, and raises the device-level notifications.
+// The process-wide owner of every camera and card object, and the face the
+// interface's relays call: it routes each per-device request by identifier to
+// the camera or card found in the registry, hands the device list to the
+// discovery pass and Camera Link to its own class, and raises the device-level
+// notifications. It also starts and stops the camera SDK.
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "ViewerBiz3Types.h"
 #include "ZylSdk.h"
 #include "camera/CameraHost.h"
+#include "device/CameraLinkDevices.h"
+#include "device/DeviceDiscovery.h"
+#include "device/DeviceRegistry.h"
 
 class Camera;
 class CLCamera;
@@ -24,10 +26,14 @@ class Card;
 
 class DeviceManager final : public CameraHost {
 public:
-    using CameraMap = std::unordered_map<std::string, Camera*>;
-    using CLCameraMap = std::unordered_map<std::string, CLCamera*>;
-    using CardMap = std::unordered_map<std::string, Card*>;
+    using CardMap = DeviceRegistry::CardMap;
 
+    // Starts the camera SDK and returns the manager, created on first use. The
+    // SDK's own result is not needed: discovery shows what it can reach.
+    static DeviceManager* Start();
+    // Destroys the manager (one is set up first when none exists, so the log is
+    // started as by Init) and stops the camera SDK.
+    static void Shutdown();
     static DeviceManager* getInstance();
     void Release();
 
@@ -72,14 +78,9 @@ public:
     int RefreshDeviceList(int types) override;
     void SetTLTypeList(unsigned long long mask);
     unsigned long long GetTLTypeList();
-    bool CameraIsOpened(ZYLGENICAM::ICameraInfo* info);
-    void DiscoveryDeviceList();
-    void TimerUpdateDeviceListFunction();
-    void DiscoveryCLList();
-    void DiscoveryCLCamera();
 
-    // Host network adapters and dotted IPv4 texts.
-    std::unordered_map<std::string, Card*> GetNetworkCards();
+    // Host network adapters (owned by the caller) and dotted IPv4 texts.
+    static std::unordered_map<std::string, Card*> GetNetworkCards();
     // The text helpers use no manager state: callable without the instance.
     static std::vector<std::string> StringSplit(const std::string& text, char delimiter);
     static bool IsNetworkSameSegment(std::string ip1, std::string mask1, std::string ip2, std::string mask2);
@@ -98,111 +99,18 @@ public:
     int GetCLProtocolsAndSerials(std::list<std::string>& protocols, std::list<std::string>& serials);
 
 private:
+    friend struct std::default_delete<DeviceManager>;
     DeviceManager();
     ~DeviceManager();
 
-    // Counts a host call that may hold a camera pointer found in a map, so
-    // objects dropped from the maps meanwhile are destroyed only once no such
-    // call is running.
-    class CallScope {
-    public:
-        explicit CallScope(DeviceManager& manager);
-        ~CallScope();
-        CallScope(const CallScope&) = delete;
-        CallScope& operator=(const CallScope&) = delete;
-
-    private:
-        DeviceManager& m_manager;
-    };
-
-    // Lookups; the "opened" ones search the opened cameras, then the opened
-    // Camera Link cameras, then (when asked) the opened other cameras.
-    Camera* FindDeviceListCamera(const std::string& id);
-    Camera* FindOpenedCamera(const std::string& id);
-    Camera* FindOpenedCameraOrCL(const std::string& id, bool includeOtherCameras);
-    Camera* FindListedCamera(const std::string& id);
-    CLCamera* FindCLCamera(const std::string& key, bool& serialOnly);
-    Card* FindOpenedCard(const std::string& key);
-
-    bool HasAddressConflict(Camera* camera);
     void SetFocusFlags(const std::string& id, bool focus);
-    int BindCLCamera(CLCamera* camera, const std::string& protocol, const std::string& serialPort,
-                     CLCameraMap& openedMap, std::mutex& openedMutex);
-    void StartDiscoveryThread();
-    void RunCameraLinkRefresh(bool cardsAndCameras);
-    bool DiscoverCLCards();
-    bool DiscoverCLCameras();
-    // One pass over the device list; the caller holds the four pass locks.
-    void RebuildDeviceList(std::list<ZYLGENICAM::ICameraInfo*>& records);
-    void DropUnopenedCameras();
-    void RebuildAdapterList();
-    void AttachOpenedCameras();
-    Camera* CreateListedCamera(ZYLGENICAM::ICameraInfo* info, const std::string& identifier);
-    void AttachToAdapter(Camera* camera, ZYLGENICAM::ICameraInfo* info, int tlType);
-    void DropUnusedAdapters();
-    void SendPendingIdUpdates();
-    void RetireCamera(Camera* camera);
-    void DestroyRetiredCameras();
     void StopBackgroundThreads();
-    void DestroyAllDevices();
 
-    static DeviceManager* m_deviceManager;
-    static std::mutex m_mtx_manager;
-
-    std::mutex m_refreshMutex;
-    std::mutex m_deviceListMutex;
-    std::mutex m_adapterListMutex;
-    std::mutex m_openedCamerasMutex;
-    std::mutex m_operationMutex;
-    CameraMap m_deviceList;
-    CameraMap m_openedCameras;
-    CardMap m_adapterList;
-    CardMap m_secondAdapterMap;
-    std::mutex m_clCameraListMutex;
-    std::mutex m_otherCameraListMutex;
-    std::mutex m_cardListMutex;
-    std::mutex m_secondAdapterMapMutex;
-    std::mutex m_openedCLCamerasMutex;
-    std::mutex m_openedOtherCamerasMutex;
-    std::mutex m_openedCardsMutex;
-    CLCameraMap m_clCameraList;
-    CLCameraMap m_otherCameraList;
-    CLCameraMap m_openedCLCameras;
-    CLCameraMap m_openedOtherCameras;
-    CardMap m_cardList;
-    // Reserved for a second family of frame-grabber cards; nothing fills it yet.
-    CardMap m_spareCardMap;
-    CardMap m_openedCards;
-    // Reserved like the map above; listed in no notification.
-    CardMap m_furtherCardMap;
-    std::thread* m_discoveryThread = nullptr;
-    std::thread m_timerThread;
-    // Cuts the timer's one-second tick short at shutdown.
-    std::mutex m_timerMutex;
-    std::condition_variable m_timerWake;
-    std::atomic<bool> m_stop{false};
-    std::atomic<bool> m_idle{true};
-    std::atomic<bool> m_timerEnded{false};
-    std::atomic<bool> m_discoveryEnded{false};
-    std::condition_variable* m_refreshCondition = nullptr;
+    DeviceRegistry m_registry;
+    DeviceDiscovery m_discovery;
+    CameraLinkDevices m_cameraLink;
     std::string m_focusId;
     // Guards the focus identifier, which host threads write concurrently.
     std::mutex m_focusMutex;
-    // The timer thread, the discovery thread and host threads all touch these
-    // three, so they are atomic rather than plain fields.
-    std::atomic<int> m_timerTicks{0};
-    std::atomic<bool> m_repeatPass{false};
     std::atomic<bool> m_notificationsEnabled{true};
-    std::atomic<unsigned long long> m_tlTypeMask{15};
-
-    // Safety additions: Camera Link refresh threads still running (the
-    // destructor waits for them), host calls in progress, and camera objects
-    // dropped from the maps but possibly still referenced by such a call.
-    std::atomic<int> m_clRefreshThreads{0};
-    std::atomic<int> m_activeCalls{0};
-    std::mutex m_retiredMutex;
-    std::vector<Camera*> m_retiredCameras;
-    // Renames found by a pass (old key, new identifier), sent once its locks
-    // are released so a listener may call back in; guarded by the operation mutex.
-    std::vector<std::pair<std::string, std::string>> m_pendingIdUpdates;
 };

@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "camera/CLCamera.h"
 #include "camera/Camera.h"
 #include "camera/LPCamera.h"
 #include "camera/SLCamera.h"
 #include "device/Card.h"
 #include "device/DeviceManager.h"
 #include "device/DeviceMaps.h"
+#include "device/ProfileCameraSettings.h"
 #include "events/EventManager.h"
 #include "log/Log.h"
-#include "settings/ParameterManager.h"
 
 namespace {
 
@@ -32,62 +31,14 @@ unsigned long long ParseFrameCount(const std::string& source, const std::string&
 
 } // namespace
 
-Camera* DeviceManager::FindDeviceListCamera(const std::string& id)
-{
-    return GetPointerFromMap<Camera>(m_deviceList, m_deviceListMutex, id);
-}
-
-Camera* DeviceManager::FindOpenedCamera(const std::string& id)
-{
-    return GetPointerFromMap<Camera>(m_openedCameras, m_openedCamerasMutex, id);
-}
-
-Camera* DeviceManager::FindOpenedCameraOrCL(const std::string& id, bool includeOtherCameras)
-{
-    if (Camera* camera = FindOpenedCamera(id))
-        return camera;
-    if (CLCamera* camera = GetPointerFromMap<CLCamera>(m_openedCLCameras, m_openedCLCamerasMutex, id))
-        return camera;
-    if (includeOtherCameras)
-        return GetPointerFromMap<CLCamera>(m_openedOtherCameras, m_openedOtherCamerasMutex, id);
-    return nullptr;
-}
-
-Camera* DeviceManager::FindListedCamera(const std::string& id)
-{
-    if (Camera* camera = FindDeviceListCamera(id))
-        return camera;
-    if (CLCamera* camera = GetPointerFromMap<CLCamera>(m_clCameraList, m_clCameraListMutex, id))
-        return camera;
-    return GetPointerFromMap<CLCamera>(m_otherCameraList, m_otherCameraListMutex, id);
-}
-
-bool DeviceManager::HasAddressConflict(Camera* camera)
-{
-    std::string ip = camera->GetInfo(ViewerBiz3::CAM_IP);
-    if (ip.empty())
-        return false;
-    std::string listKey = camera->GetListKey();
-    if (ip == GetCardInfo(listKey, ViewerBiz3::CARD_IP))
-        return true;
-    std::lock_guard<std::mutex> lock(m_deviceListMutex);
-    for (auto& entry : m_deviceList) {
-        Camera* other = entry.second;
-        if (other != nullptr && other != camera && other->GetListKey() == listKey &&
-            other->GetInfo(ViewerBiz3::CAM_IP) == ip)
-            return true;
-    }
-    return false;
-}
-
 int DeviceManager::OpenCamera(std::string id)
 {
-    CallScope scope(*this);
-    std::lock_guard<std::mutex> operation(m_operationMutex);
-    Camera* camera = FindDeviceListCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    std::lock_guard<std::mutex> operation(m_registry.operationMutex);
+    Camera* camera = m_registry.FindDeviceListCamera(id);
     if (camera == nullptr)
         return -1;
-    if (HasAddressConflict(camera)) {
+    if (m_registry.HasAddressConflict(camera)) {
         Utilities::LogError(camera->GetName(), "Ip conflict.Please check if there are devices with the same IP address.",
                             1);
         return -10;
@@ -96,19 +47,19 @@ int DeviceManager::OpenCamera(std::string id)
     if (result != 0)
         return result;
     {
-        std::lock_guard<std::mutex> opened(m_openedCamerasMutex);
-        m_openedCameras.emplace(camera->GetKey(), camera);
+        std::lock_guard<std::mutex> opened(m_registry.openedCamerasMutex);
+        m_registry.openedCameras.emplace(camera->GetKey(), camera);
     }
-    m_parameterManager.loadCameraParameters(camera);
+    LoadProfileCameraSettings(camera);
     NotifyDeviceListUpdate(camera->GetListKey(), camera->GetKey());
     return 0;
 }
 
 int DeviceManager::CloseCamera(std::string id)
 {
-    CallScope scope(*this);
-    std::unique_lock<std::mutex> operation(m_operationMutex);
-    Camera* camera = FindOpenedCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    std::unique_lock<std::mutex> operation(m_registry.operationMutex);
+    Camera* camera = m_registry.FindOpenedCamera(id);
     if (camera == nullptr) {
         operation.unlock();
         return CloseCLCamera(id);
@@ -117,75 +68,30 @@ int DeviceManager::CloseCamera(std::string id)
     if (result == 0) {
         {
             // By object rather than by key: a renamed USB camera sits under its new identifier.
-            std::lock_guard<std::mutex> opened(m_openedCamerasMutex);
-            EraseObject(m_openedCameras, camera);
+            std::lock_guard<std::mutex> opened(m_registry.openedCamerasMutex);
+            EraseObject(m_registry.openedCameras, camera);
         }
-        m_parameterManager.saveCameraParameters(camera);
+        SaveProfileCameraSettings(camera);
     }
-    // The list is rebuilt twice at once; the next timed refresh comes a full period later.
-    m_repeatPass.store(true);
-    m_timerTicks.store(0);
+    m_discovery.RequestRepeatPass();
     return result;
 }
 
 void DeviceManager::RemoveOpenedCamera(std::string id)
 {
-    std::lock_guard<std::mutex> operation(m_operationMutex);
-    {
-        // The device-list mutex comes before the opened-cameras mutex, in the discovery pass's order.
-        std::lock_guard<std::mutex> devices(m_deviceListMutex);
-        std::lock_guard<std::mutex> opened(m_openedCamerasMutex);
-        auto found = m_deviceList.find(id);
-        // A USB camera re-keyed under its new name still reports the key it was listed with.
-        if (found == m_deviceList.end())
-            found = std::find_if(m_deviceList.begin(), m_deviceList.end(),
-                                 [&id](const auto& entry) { return entry.second != nullptr && entry.second->GetKey() == id; });
-        if (found != m_deviceList.end()) {
-            Camera* listed = found->second;
-            m_deviceList.erase(found);
-            m_openedCameras.erase(id);
-            EraseObject(m_openedCameras, listed);
-            // The caller is usually the camera's own watchdog, still running on the object.
-            RetireCamera(listed);
-            return;
-        }
-    }
-    std::lock_guard<std::mutex> opened(m_openedCamerasMutex);
-    std::lock_guard<std::mutex> openedCL(m_openedCLCamerasMutex);
-    CLCamera* clCamera = nullptr;
-    {
-        std::lock_guard<std::mutex> lock(m_clCameraListMutex);
-        auto found = m_clCameraList.find(id);
-        if (found != m_clCameraList.end())
-            clCamera = found->second;
-    }
-    if (clCamera != nullptr) {
-        clCamera->CloseCLCamera(false);
-        m_openedCLCameras.erase(id);
-        std::lock_guard<std::mutex> lock(m_clCameraListMutex);
-        m_clCameraList.erase(id);
-        return;
-    }
-    std::lock_guard<std::mutex> openedOther(m_openedOtherCamerasMutex);
-    CLCamera* other = nullptr;
-    {
-        std::lock_guard<std::mutex> lock(m_otherCameraListMutex);
-        auto found = m_otherCameraList.find(id);
-        if (found != m_otherCameraList.end()) {
-            other = found->second;
-            m_otherCameraList.erase(found);
-        }
-    }
-    if (other != nullptr) {
-        m_openedOtherCameras.erase(id);
-        RetireCamera(other);
-    }
+    std::lock_guard<std::mutex> operation(m_registry.operationMutex);
+    m_registry.RemoveLostCamera(id);
+}
+
+std::vector<std::string> DeviceManager::GetOpenedCameraIds()
+{
+    return m_registry.GetOpenedCameraIds();
 }
 
 int DeviceManager::StartGrab(std::string id)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCameraOrCL(id, true);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCameraOrCL(id, true);
     if (camera == nullptr)
         return -1;
     unsigned long long frameCount = ZYLGENICAM::NO_FRAME_LIMIT;
@@ -207,77 +113,62 @@ int DeviceManager::StartGrab(std::string id)
 
 int DeviceManager::StopGrab(std::string id)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCameraOrCL(id, true);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCameraOrCL(id, true);
     return camera == nullptr ? -1 : camera->StopGrab(true);
 }
 
 bool DeviceManager::IsGrabbing(std::string id)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCameraOrCL(id, true);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCameraOrCL(id, true);
     return camera != nullptr && camera->IsGrabbing();
-}
-
-std::vector<std::string> DeviceManager::GetOpenedCameraIds()
-{
-    std::vector<std::string> ids;
-    std::lock_guard<std::mutex> opened(m_openedCamerasMutex);
-    std::lock_guard<std::mutex> openedCL(m_openedCLCamerasMutex);
-    std::lock_guard<std::mutex> openedOther(m_openedOtherCamerasMutex);
-    for (auto& entry : m_openedCameras)
-        ids.push_back(entry.first);
-    for (auto& entry : m_openedCLCameras)
-        ids.push_back(entry.first);
-    for (auto& entry : m_openedOtherCameras)
-        ids.push_back(entry.first);
-    return ids;
 }
 
 std::string DeviceManager::GetCameraInfo(std::string id, ViewerBiz3::CAM_INFO info)
 {
-    CallScope scope(*this);
-    Camera* camera = FindListedCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindListedCamera(id);
     return camera == nullptr ? std::string() : camera->GetInfo(info);
 }
 
 int DeviceManager::SetCameraInfo(std::string id, ViewerBiz3::CAM_INFO info, const std::string& value)
 {
-    CallScope scope(*this);
-    Camera* camera = FindListedCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindListedCamera(id);
     return camera == nullptr ? -1 : camera->SetInfo(info, value);
 }
 
 int DeviceManager::GetCameraNodeValue(std::string id, std::string node, std::string& value)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCameraOrCL(id, false);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCameraOrCL(id, false);
     return camera == nullptr ? -1 : camera->GetNodeValue(node, value, true);
 }
 
 int DeviceManager::SetCameraNodeValue(std::string id, std::string node, std::string value)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCameraOrCL(id, false);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCameraOrCL(id, false);
     return camera == nullptr ? -1 : camera->SetNodeValue(node, value, true);
 }
 
 int DeviceManager::GetCameraIntNodeInfo(std::string id, std::string node, std::string& value, std::string& min,
                                         std::string& max, std::string& inc)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCamera(id);
     return camera == nullptr ? -1 : camera->GetIntNodeInfo(node, value, min, max, inc, true);
 }
 
 const char* DeviceManager::GetXML(ViewerBiz3::FOCUS_TYPE type, std::string id)
 {
-    CallScope scope(*this);
+    DeviceRegistry::CallScope scope(m_registry);
     if (type == ViewerBiz3::FOCUS_CARD) {
-        Card* card = FindOpenedCard(id);
+        Card* card = m_registry.FindOpenedCard(id);
         return card == nullptr ? nullptr : card->GetXML();
     }
-    Camera* camera = FindOpenedCameraOrCL(id, false);
+    Camera* camera = m_registry.FindOpenedCameraOrCL(id, false);
     if (camera == nullptr)
         return nullptr;
     ZYLGENICAM::IModule* module = camera->GetXML(type);
@@ -287,12 +178,12 @@ const char* DeviceManager::GetXML(ViewerBiz3::FOCUS_TYPE type, std::string id)
 GenApi_3_4::INodeMap* DeviceManager::GetNodeMap(ViewerBiz3::FOCUS_TYPE type, std::string id,
                                                 ViewerBiz3::NodeMapType which)
 {
-    CallScope scope(*this);
+    DeviceRegistry::CallScope scope(m_registry);
     if (type == ViewerBiz3::FOCUS_CARD) {
-        Card* card = FindOpenedCard(id);
+        Card* card = m_registry.FindOpenedCard(id);
         return card == nullptr ? nullptr : card->GetNodeMap();
     }
-    Camera* camera = FindOpenedCameraOrCL(id, true);
+    Camera* camera = m_registry.FindOpenedCameraOrCL(id, true);
     return camera == nullptr ? nullptr : camera->GetNodeMap(which);
 }
 
@@ -300,11 +191,11 @@ void DeviceManager::SetFocusFlags(const std::string& id, bool focus)
 {
     {
         // Adapters are rebuilt by every pass, so the flag is set while the list is held.
-        std::lock_guard<std::mutex> lock(m_adapterListMutex);
-        if (Card* card = FindInMap<Card>(m_adapterList, id))
+        std::lock_guard<std::mutex> lock(m_registry.adapterListMutex);
+        if (Card* card = FindInMap<Card>(m_registry.adapterList, id))
             card->SetFlag2(focus ? 1 : 0);
     }
-    if (Camera* camera = FindDeviceListCamera(id))
+    if (Camera* camera = m_registry.FindDeviceListCamera(id))
         camera->SetFlag3(focus);
 }
 
@@ -312,7 +203,7 @@ int DeviceManager::SetFocus(ViewerBiz3::FOCUS_TYPE type, std::string id)
 {
     if (type < 0 || type >= 4)
         return -1;
-    CallScope scope(*this);
+    DeviceRegistry::CallScope scope(m_registry);
     std::string previousId;
     {
         std::lock_guard<std::mutex> lock(m_focusMutex);
@@ -333,8 +224,8 @@ int DeviceManager::SetFocus(ViewerBiz3::FOCUS_TYPE type, std::string id)
 
 int DeviceManager::ModifyCameraId(std::string oldId, std::string newId)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCamera(oldId);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCamera(oldId);
     if (camera == nullptr)
         return -1;
     int result = camera->SetNodeValue("DeviceUserID", newId, true);
@@ -349,8 +240,8 @@ int DeviceManager::ModifyCameraId(std::string oldId, std::string newId)
 
 int DeviceManager::SetSLCameraShowMode(std::string id, int mode)
 {
-    CallScope scope(*this);
-    Camera* camera = FindDeviceListCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindDeviceListCamera(id);
     if (camera == nullptr)
         return -1;
     if (camera->IsKind(CameraKind::ShowMode)) {
@@ -364,8 +255,8 @@ int DeviceManager::SetSLCameraShowMode(std::string id, int mode)
 
 int DeviceManager::GetSLCameraShowMode(std::string id)
 {
-    CallScope scope(*this);
-    Camera* camera = FindDeviceListCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindDeviceListCamera(id);
     if (camera == nullptr)
         return -1;
     auto* showModeCamera = dynamic_cast<SLCamera*>(camera);
@@ -376,15 +267,15 @@ int DeviceManager::GetSLCameraShowMode(std::string id)
 
 int DeviceManager::FirmwareUpgrade(const std::string& id, const std::string& file, int* progress, bool* done)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCamera(id);
     return camera == nullptr ? -1 : camera->FirmwareUpgrade(file, progress, done);
 }
 
 int DeviceManager::SetCameraImageMode(std::string id, int mode, bool notify)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCamera(id);
     if (camera == nullptr)
         return -1;
     auto* profileCamera = dynamic_cast<LPCamera*>(camera);
@@ -405,8 +296,8 @@ int DeviceManager::SetCameraImageMode(std::string id, int mode, bool notify)
 
 int DeviceManager::GetCameraImageMode(std::string id)
 {
-    CallScope scope(*this);
-    Camera* camera = FindOpenedCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindOpenedCamera(id);
     if (camera == nullptr)
         return -1;
     auto* profileCamera = dynamic_cast<LPCamera*>(camera);
@@ -418,7 +309,7 @@ int DeviceManager::GetCameraImageMode(std::string id)
 int DeviceManager::ModifyCameraIP(std::string id, const std::string& ip, const std::string& mask,
                                   const std::string& gateway, bool persistent)
 {
-    CallScope scope(*this);
-    Camera* camera = FindDeviceListCamera(id);
+    DeviceRegistry::CallScope scope(m_registry);
+    Camera* camera = m_registry.FindDeviceListCamera(id);
     return camera == nullptr ? -1 : camera->ModifyCameraIP(ip, mask, gateway, persistent);
 }

@@ -42,6 +42,14 @@ T* GetPointerFromMap(Map& map, Mutex& mutex, Key& key)
     return FindInMap<T>(map, key);
 }
 
+// Whether the map holds the key, under its mutex.
+template <typename Map, typename Mutex>
+bool HasKey(Map& map, Mutex& mutex, const std::string& key)
+{
+    std::lock_guard<Mutex> lock(mutex);
+    return map.count(key) != 0;
+}
+
 // Removes every entry that holds the object, whatever its key.
 template <typename Map, typename T>
 void EraseObject(Map& map, T* object)

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <sstream>
 
 #ifdef __linux__
@@ -102,9 +103,10 @@ bool IsContiguousMask(const std::vector<std::string>& maskPieces)
     return true;
 }
 
-Card* MakeAdapterCard(const std::string& interfaceName, const std::string& address, const std::string& mask)
+std::unique_ptr<Card> MakeAdapterCard(const std::string& interfaceName, const std::string& address,
+                                      const std::string& mask)
 {
-    auto* card = new Card();
+    auto card = std::make_unique<Card>();
     card->SetType(Card::NETWORK_ADAPTER);
     card->SetFlag2(0);
     card->SetOpened(false);
@@ -179,9 +181,9 @@ std::unordered_map<std::string, Card*> DeviceManager::GetNetworkCards()
         if (address == 0 || !qualifies)
             continue;
         uint32_t mask = QueryIpv4(socket, entry->if_name, SIOCGIFNETMASK);
-        Card* card = MakeAdapterCard(entry->if_name, UlongToIPString(address), UlongToIPString(mask));
-        if (!adapters.emplace(card->GetKey(), card).second)
-            delete card;
+        std::unique_ptr<Card> card = MakeAdapterCard(entry->if_name, UlongToIPString(address), UlongToIPString(mask));
+        if (adapters.emplace(card->GetKey(), card.get()).second)
+            card.release();
     }
     if_freenameindex(names);
     return adapters;

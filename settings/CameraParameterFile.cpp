@@ -2,7 +2,6 @@
 #include <array>
 #include <utility>
 
-#include "camera/Camera.h"
 #include "log/Log.h"
 #include "settings/IniFile.h"
 #include "settings/ParameterManager.h"
@@ -24,34 +23,35 @@ std::string CameraParameterPath()
 {
     return Utilities::ApplicationDirectory() + "/CameraParameters.ini";
 }
-
-bool HasParameterFile(Camera* camera)
-{
-    return camera && camera->IsKind(CameraKind::Profile);
-}
 } // namespace
 
-void ParameterManager::loadCameraParameters(Camera* camera)
+std::vector<ViewerBiz3::CAM_INFO> ParameterManager::CameraParameterFields()
 {
-    if (!HasParameterFile(camera))
-        return;
-    const std::string section = camera->GetKey();
+    std::vector<ViewerBiz3::CAM_INFO> fields;
+    for (const auto& entry : cameraParameterKeys)
+        fields.push_back(entry.second);
+    return fields;
+}
+
+ParameterManager::CameraParameters ParameterManager::loadCameraParameters(const std::string& section)
+{
+    CameraParameters values;
     IniFile::Read(CameraParameterPath(), [&](const IniFile::Store& store) {
         for (const auto& [key, info] : cameraParameterKeys) {
             const std::string value = store.GetValue(section.c_str(), key, absentValue);
             if (value != absentValue)
-                camera->SetText(info, value);
+                values[info] = value;
         }
     });
+    return values;
 }
 
-void ParameterManager::saveCameraParameters(Camera* camera)
+void ParameterManager::saveCameraParameters(const std::string& section, const CameraParameters& values)
 {
-    if (!HasParameterFile(camera))
-        return;
-    const std::string section = camera->GetKey();
     IniFile::Update(CameraParameterPath(), [&](IniFile::Store& store) {
-        for (const auto& [key, info] : cameraParameterKeys)
-            store.SetValue(section.c_str(), key, camera->GetInfo(info).c_str());
+        for (const auto& [key, info] : cameraParameterKeys) {
+            auto value = values.find(info);
+            store.SetValue(section.c_str(), key, value == values.end() ? "" : value->second.c_str());
+        }
     });
 }

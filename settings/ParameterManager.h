@@ -4,12 +4,12 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "ViewerBiz3Types.h"
-
-class Camera;
 
 class ParameterManager {
 public:
@@ -33,10 +33,14 @@ public:
     void SetLanguage(std::string language);
     std::string GetLanguage();
 
-    // The six settings of a profile camera, one section per camera key in
-    // "CameraParameters.ini"; other kinds of camera are ignored.
-    void loadCameraParameters(Camera* camera);
-    void saveCameraParameters(Camera* camera);
+    // The six settings of a profile camera, by the camera field they fill; kept
+    // in "CameraParameters.ini", one section per camera key.
+    using CameraParameters = std::map<ViewerBiz3::CAM_INFO, std::string>;
+    static std::vector<ViewerBiz3::CAM_INFO> CameraParameterFields();
+    // The values stored for the camera; a missing key (or one reading "NULL") is left out.
+    CameraParameters loadCameraParameters(const std::string& cameraKey);
+    // Writes every field; one missing from the values is written empty.
+    void saveCameraParameters(const std::string& cameraKey, const CameraParameters& values);
 
 private:
     // Guards the fields only; never held while listeners run.

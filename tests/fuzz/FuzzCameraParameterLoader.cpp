@@ -14,8 +14,8 @@
 #include "FuzzWorkspace.h"
 #include "ViewerBiz3Types.h"
 #include "camera/Camera.h"
+#include "device/ProfileCameraSettings.h"
 #include "settings/IniFile.h"
-#include "settings/ParameterManager.h"
 
 namespace {
 
@@ -75,11 +75,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
         cameras.push_back(ProfileCamera(keysBefore.front().first));
     std::vector<std::vector<std::string>> held;
     for (auto& camera : cameras) {
-        m_parameterManager.loadCameraParameters(camera.get());
+        LoadProfileCameraSettings(camera.get());
         held.push_back(Settings(*camera));
     }
     for (auto& camera : cameras)
-        m_parameterManager.saveCameraParameters(camera.get());
+        SaveProfileCameraSettings(camera.get());
 
     if (!loadable) {
         FuzzExpect(workspace.Read(fileName) == std::string(reinterpret_cast<const char*>(data), size),
@@ -94,7 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
     FuzzExpect(everyKeyKept, "the saved file can be read again");
     for (std::size_t index = 0; index < cameras.size(); ++index) {
         auto reloaded = ProfileCamera(cameras[index]->GetKey());
-        m_parameterManager.loadCameraParameters(reloaded.get());
+        LoadProfileCameraSettings(reloaded.get());
         FuzzExpect(Settings(*reloaded) == held[index], "a camera loading the saved file gets its settings back");
     }
     return 0;

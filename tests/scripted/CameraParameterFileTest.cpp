@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "camera/Camera.h"
-#include "settings/ParameterManager.h"
+#include "device/ProfileCameraSettings.h"
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
@@ -49,7 +49,7 @@ TEST_F(CameraParameterFileTest, ProfileCameraReadsItsOwnSection)
     auto camera = CameraOfKind(1, "Profile(F1)");
     camera->SetText(ViewerBiz3::CAM_Z_UP_SIZE, "9");
 
-    m_parameterManager.loadCameraParameters(camera.get());
+    LoadProfileCameraSettings(camera.get());
 
     // Keys match whatever their case; a stored "NULL" counts as absent.
     EXPECT_EQ(ProfileFields(*camera), (std::vector<std::string>{"12", "2", "0.01", "1", "9", "-4.5"}));
@@ -60,10 +60,10 @@ TEST_F(CameraParameterFileTest, ProfileCameraWithoutSectionKeepsItsDefaults)
     WriteTextFile(path, "[Other(F2)]\nimageBits=8\n");
     auto camera = CameraOfKind(1, "Profile(F1)");
 
-    m_parameterManager.loadCameraParameters(camera.get());
+    LoadProfileCameraSettings(camera.get());
     EXPECT_EQ(ProfileFields(*camera), FreshProfileFields());
 
-    m_parameterManager.saveCameraParameters(camera.get());
+    SaveProfileCameraSettings(camera.get());
     const std::string saved = ReadTextFile(path);
     EXPECT_EQ(saved.rfind(utf8ByteOrderMark, 0), 0u);
     EXPECT_NE(saved.find("[Other(F2)]"), std::string::npos);
@@ -71,7 +71,7 @@ TEST_F(CameraParameterFileTest, ProfileCameraWithoutSectionKeepsItsDefaults)
 
     auto reloaded = CameraOfKind(1, "Profile(F1)");
     reloaded->SetText(ViewerBiz3::CAM_IMAGE_BITS, "changed");
-    m_parameterManager.loadCameraParameters(reloaded.get());
+    LoadProfileCameraSettings(reloaded.get());
     EXPECT_EQ(ProfileFields(*reloaded), FreshProfileFields());
 }
 
@@ -83,13 +83,13 @@ TEST_F(CameraParameterFileTest, EachProfileCameraGetsItsSection)
     first->SetInfo(ViewerBiz3::CAM_IMAGE_BITS, "8");
     second->SetInfo(ViewerBiz3::CAM_Z_DOWN_SIZE, "-3");
 
-    m_parameterManager.saveCameraParameters(first.get());
-    m_parameterManager.saveCameraParameters(second.get());
+    SaveProfileCameraSettings(first.get());
+    SaveProfileCameraSettings(second.get());
 
     auto firstAgain = CameraOfKind(1, "Profile(F1)");
     auto secondAgain = CameraOfKind(1, "Profile(F2)");
-    m_parameterManager.loadCameraParameters(firstAgain.get());
-    m_parameterManager.loadCameraParameters(secondAgain.get());
+    LoadProfileCameraSettings(firstAgain.get());
+    LoadProfileCameraSettings(secondAgain.get());
     EXPECT_EQ(firstAgain->GetInfo(ViewerBiz3::CAM_IMAGE_BITS), "8");
     EXPECT_EQ(secondAgain->GetInfo(ViewerBiz3::CAM_IMAGE_BITS), FreshProfileFields()[0]);
     EXPECT_EQ(secondAgain->GetInfo(ViewerBiz3::CAM_Z_DOWN_SIZE), "-3");
@@ -101,20 +101,20 @@ TEST_F(CameraParameterFileTest, OtherCamerasNeverTouchTheFile)
     WriteTextFile(path, original);
     for (uint16_t kind : {0, 3, 4, 5}) {
         auto camera = CameraOfKind(kind, "Area(S1)");
-        m_parameterManager.loadCameraParameters(camera.get());
+        LoadProfileCameraSettings(camera.get());
         EXPECT_EQ(ProfileFields(*camera), FreshProfileFields());
-        m_parameterManager.saveCameraParameters(camera.get());
+        SaveProfileCameraSettings(camera.get());
     }
     EXPECT_EQ(ReadTextFile(path), original);
-    m_parameterManager.loadCameraParameters(nullptr);
-    m_parameterManager.saveCameraParameters(nullptr);
+    LoadProfileCameraSettings(nullptr);
+    SaveProfileCameraSettings(nullptr);
 }
 
 TEST_F(CameraParameterFileTest, MissingFileIsNeverCreated)
 {
     auto camera = CameraOfKind(1, "Profile(F1)");
-    m_parameterManager.loadCameraParameters(camera.get());
-    m_parameterManager.saveCameraParameters(camera.get());
+    LoadProfileCameraSettings(camera.get());
+    SaveProfileCameraSettings(camera.get());
 
     EXPECT_EQ(ProfileFields(*camera), FreshProfileFields());
     EXPECT_FALSE(std::filesystem::exists(path));

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "camera/Camera.h"
+#include "device/ProfileCameraSettings.h"
 #include "settings/ParameterManager.h"
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/TempDirectory.h"
@@ -31,7 +32,7 @@ protected:
     static std::string ImageBitsOf(const std::string& key)
     {
         auto camera = ProfileCamera(key);
-        m_parameterManager.loadCameraParameters(camera.get());
+        LoadProfileCameraSettings(camera.get());
         return camera->GetInfo(ViewerBiz3::CAM_IMAGE_BITS);
     }
 };
@@ -46,11 +47,11 @@ TEST_F(FuzzRegressionTest, UnterminatedCameraSectionHeaderNamesItsSectionAndStop
     const std::string path = directory.File("CameraParameters.ini");
     WriteTextFile(path, "[LP-3000(Folor = 0\nurknownKey = kept\n");
     auto camera = ProfileCamera("Profile(F1)");
-    m_parameterManager.loadCameraParameters(camera.get());
+    LoadProfileCameraSettings(camera.get());
 
-    m_parameterManager.saveCameraParameters(camera.get());
+    SaveProfileCameraSettings(camera.get());
     const std::string afterFirstSave = ReadTextFile(path);
-    m_parameterManager.saveCameraParameters(camera.get());
+    SaveProfileCameraSettings(camera.get());
 
     EXPECT_EQ(ReadTextFile(path), afterFirstSave) << "saving again changes nothing";
     EXPECT_NE(afterFirstSave.find("[LP-3000(Folor = 0]\nurknownKey = kept\n"), std::string::npos) << afterFirstSave;

@@ -1,6 +1,9 @@
-// The device-list refresh: refresh requests, the timer thread, the discovery
-// pass and the recognition of devices that are already open.
+#include "device/DeviceDiscovery.h"
+
 #include <chrono>
+#include <memory>
+#include <unordered_map>
+#include <utility>
 
 #include "camera/CLCamera.h"
 #include "camera/Camera.h"
@@ -10,11 +13,11 @@
 #include "device/DeviceIdentity.h"
 #include "device/DeviceManager.h"
 #include "device/DeviceMaps.h"
+#include "device/SdkRecords.h"
 #include "events/EventManager.h"
 
 namespace {
 
-constexpr int CAMERA_LINK_BITS = ZYLGENICAM::TL_CAMERALINK | 0x8000;
 constexpr int TIMER_PERIOD_TICKS = 30;
 const char* const USB_CARD_KEY = "usbCard";
 
@@ -29,49 +32,58 @@ bool IsSimulatedCamera(Camera* camera, const std::string& serial)
 
 } // namespace
 
-int DeviceManager::RefreshDeviceList(int types)
+DeviceDiscovery::DeviceDiscovery(DeviceRegistry& registry, CameraHost& host) : m_registry(registry), m_host(host) {}
+
+DeviceDiscovery::~DeviceDiscovery()
+{
+    Stop();
+}
+
+void DeviceDiscovery::StartTimer()
+{
+    m_timerThread = std::thread([this] { RunTimer(); });
+}
+
+void DeviceDiscovery::Stop()
+{
+    std::thread discovery;
+    {
+        // Under the refresh mutex, so the wake-up cannot fall between the waiter's test and its sleep,
+        // and no request starts the thread anew.
+        std::lock_guard<std::mutex> lock(m_refreshMutex);
+        m_idle.store(false);
+        m_stop.store(true);
+        discovery = std::move(m_discoveryThread);
+    }
+    m_refreshCondition.notify_one();
+    { std::lock_guard<std::mutex> lock(m_timerMutex); }
+    m_timerWake.notify_all();
+    if (m_timerThread.joinable())
+        m_timerThread.join();
+    if (discovery.joinable())
+        discovery.join();
+}
+
+void DeviceDiscovery::RequestPass()
 {
     std::lock_guard<std::mutex> lock(m_refreshMutex);
-    if ((types & CAMERA_LINK_BITS) != 0) {
-        bool cardsAndCameras = (types & ZYLGENICAM::TL_CAMERALINK) != 0;
-        m_clRefreshThreads.fetch_add(1);
-        std::thread([this, cardsAndCameras] { RunCameraLinkRefresh(cardsAndCameras); }).detach();
+    if (m_stop.load())
+        return;
+    if (m_discoveryThread.joinable()) {
+        m_idle.store(false);
+        m_refreshCondition.notify_one();
+    } else {
+        m_discoveryThread = std::thread([this] { RunPasses(); });
     }
-    types &= ~CAMERA_LINK_BITS;
-    if (types != 0) {
-        if (m_discoveryThread != nullptr) {
-            m_idle.store(false);
-            m_refreshCondition->notify_one();
-        } else {
-            StartDiscoveryThread();
-        }
-    }
-    return 0;
 }
 
-void DeviceManager::StartDiscoveryThread()
+void DeviceDiscovery::RequestRepeatPass()
 {
-    m_discoveryThread = new std::thread([this] {
-        m_discoveryEnded.store(false);
-        DiscoveryDeviceList();
-        // Last access to this object: the destructor frees it once it sees the flag.
-        m_discoveryEnded.store(true);
-    });
-    m_discoveryThread->detach();
+    m_repeatPass.store(true);
+    m_timerTicks.store(0);
 }
 
-void DeviceManager::SetTLTypeList(unsigned long long mask)
-{
-    m_tlTypeMask.store(mask);
-    m_event.NotifyTLTypeUpdateListener(mask);
-}
-
-unsigned long long DeviceManager::GetTLTypeList()
-{
-    return m_tlTypeMask.load();
-}
-
-void DeviceManager::TimerUpdateDeviceListFunction()
+void DeviceDiscovery::RunTimer()
 {
     while (!m_stop.load()) {
         {
@@ -86,109 +98,102 @@ void DeviceManager::TimerUpdateDeviceListFunction()
             // Under the refresh mutex so the wake-up cannot fall between the waiter's test and its sleep.
             std::lock_guard<std::mutex> lock(m_refreshMutex);
             m_idle.store(false);
-            m_refreshCondition->notify_one();
+            m_refreshCondition.notify_one();
         }
     }
 }
 
-void DeviceManager::DiscoveryDeviceList()
+void DeviceDiscovery::RunPasses()
 {
     do {
-        uint64_t mask = m_tlTypeMask.load() & ~static_cast<unsigned long long>(CAMERA_LINK_BITS);
-        std::list<ZYLGENICAM::ICameraInfo*> records = ZYLGENICAM::DiscoveryByTLType(mask);
-        if (m_stop.load()) {
-            for (ZYLGENICAM::ICameraInfo* record : records)
-                if (record != nullptr)
-                    record->Destroy();
-            return;
-        }
+        uint64_t mask = m_tlTypeMask.load() & ~static_cast<unsigned long long>(CameraLinkBits);
         {
-            std::lock_guard<std::mutex> operation(m_operationMutex);
-            std::lock_guard<std::mutex> adapters(m_adapterListMutex);
-            std::lock_guard<std::mutex> devices(m_deviceListMutex);
-            std::lock_guard<std::mutex> opened(m_openedCamerasMutex);
-            RebuildDeviceList(records);
+            // The records are let go before anyone hears of the pass.
+            SdkRecords records(ZYLGENICAM::DiscoveryByTLType(mask));
+            if (m_stop.load())
+                return;
+            std::lock_guard<std::mutex> operation(m_registry.operationMutex);
+            std::lock_guard<std::mutex> adapters(m_registry.adapterListMutex);
+            std::lock_guard<std::mutex> devices(m_registry.deviceListMutex);
+            std::lock_guard<std::mutex> opened(m_registry.openedCamerasMutex);
+            RebuildDeviceList(records.List());
         }
         SendPendingIdUpdates();
         {
             std::lock_guard<std::mutex> online(onlineMutex);
-            NotifyDeviceListUpdate();
+            m_host.NotifyDeviceListUpdate();
             // Lost cameras hand themselves over under this mutex, so none is still on its way out.
-            DestroyRetiredCameras();
+            m_registry.DestroyRetiredCameras();
         }
         if (m_repeatPass.exchange(false))
             continue;
         std::unique_lock<std::mutex> lock(m_refreshMutex);
-        m_refreshCondition->wait(lock, [this] { return !m_idle.load(); });
+        m_refreshCondition.wait(lock, [this] { return !m_idle.load(); });
         m_idle.store(true);
     } while (!m_stop.load());
 }
 
-void DeviceManager::RebuildDeviceList(std::list<ZYLGENICAM::ICameraInfo*>& records)
+void DeviceDiscovery::RebuildDeviceList(const std::list<ZYLGENICAM::ICameraInfo*>& records)
 {
-    for (auto& entry : m_adapterList)
+    for (auto& entry : m_registry.adapterList)
         delete entry.second;
-    m_adapterList.clear();
+    m_registry.adapterList.clear();
     DropUnopenedCameras();
     RebuildAdapterList();
     AttachOpenedCameras();
-    m_deviceList = m_openedCameras;
-    CameraMap passCameras;
+    m_registry.deviceList = m_registry.openedCameras;
+    std::unordered_map<std::string, std::unique_ptr<Camera>> passCameras;
     for (ZYLGENICAM::ICameraInfo* record : records) {
         if (record == nullptr)
             continue;
         std::string identifier = CameraIdentifier(record);
-        if (!CameraIsOpened(record)) {
-            Camera* camera = CreateListedCamera(record, identifier);
-            // The first device with an identifier wins; the object made for a later one is dropped.
-            if (!passCameras.emplace(identifier, camera).second)
-                delete camera;
-        }
-        record->Destroy();
+        // The first device with an identifier wins; the object made for a later one is dropped.
+        if (!CameraIsOpened(record))
+            passCameras.emplace(identifier, CreateListedCamera(record, identifier));
     }
     for (auto& entry : passCameras) {
-        if (!m_deviceList.emplace(entry.first, entry.second).second)
-            delete entry.second;
+        if (m_registry.deviceList.emplace(entry.first, entry.second.get()).second)
+            entry.second.release();
     }
     DropUnusedAdapters();
 }
 
-void DeviceManager::DropUnopenedCameras()
+void DeviceDiscovery::DropUnopenedCameras()
 {
-    for (auto& entry : m_deviceList) {
+    for (auto& entry : m_registry.deviceList) {
         Camera* camera = entry.second;
         bool opened = false;
-        for (auto& openedEntry : m_openedCameras)
+        for (auto& openedEntry : m_registry.openedCameras)
             opened = opened || openedEntry.second == camera;
         // A host call may still hold it, so it is destroyed once no call runs.
         if (!opened)
-            RetireCamera(camera);
+            m_registry.RetireCamera(camera);
     }
-    m_deviceList.clear();
+    m_registry.deviceList.clear();
 }
 
-void DeviceManager::RebuildAdapterList()
+void DeviceDiscovery::RebuildAdapterList()
 {
-    m_adapterList = GetNetworkCards();
-    auto* usbCard = new Card();
+    m_registry.adapterList = DeviceManager::GetNetworkCards();
+    auto usbCard = std::make_unique<Card>();
     usbCard->SetKey(USB_CARD_KEY);
     usbCard->SetType(Card::USB_ADAPTER);
     usbCard->SetFlag2(0);
     usbCard->SetOpened(false);
     usbCard->SetInUseCount(0);
-    if (!m_adapterList.emplace(USB_CARD_KEY, usbCard).second)
-        delete usbCard;
+    if (m_registry.adapterList.emplace(USB_CARD_KEY, usbCard.get()).second)
+        usbCard.release();
 }
 
-void DeviceManager::AttachOpenedCameras()
+void DeviceDiscovery::AttachOpenedCameras()
 {
-    for (auto& entry : m_openedCameras) {
+    for (auto& entry : m_registry.openedCameras) {
         Camera* camera = entry.second;
         if (camera == nullptr)
             continue;
         bool usb = camera->IsKind(CameraKind::Usb);
         std::string hostInterface = camera->GetHostInterfaceAddress();
-        for (auto& adapter : m_adapterList) {
+        for (auto& adapter : m_registry.adapterList) {
             Card* card = adapter.second;
             bool matches = usb ? card->GetType() == Card::USB_ADAPTER
                                : card->GetType() == Card::NETWORK_ADAPTER &&
@@ -202,21 +207,22 @@ void DeviceManager::AttachOpenedCameras()
     }
 }
 
-Camera* DeviceManager::CreateListedCamera(ZYLGENICAM::ICameraInfo* info, const std::string& identifier)
+std::unique_ptr<Camera> DeviceDiscovery::CreateListedCamera(ZYLGENICAM::ICameraInfo* info,
+                                                            const std::string& identifier)
 {
     ZYLGENICAM::ICamera* handle = ZYLGENICAM::CreateCamera(info);
     std::string model = SdkText(info->GetModelName());
     std::string serial = SdkText(info->GetSerialNumber());
-    Camera* camera;
+    std::unique_ptr<Camera> camera;
     CameraKind kind;
     if (!serial.empty() && serial[0] == 'F') {
-        camera = new LPCamera(handle);
+        camera = std::make_unique<LPCamera>(handle);
         kind = CameraKind::Profile;
     } else if (model.find("QV-RM") != std::string::npos) {
-        camera = new SLCamera(handle);
+        camera = std::make_unique<SLCamera>(handle);
         kind = CameraKind::ShowMode;
     } else {
-        camera = new Camera(handle);
+        camera = std::make_unique<Camera>(handle);
         kind = CameraKind::Area;
     }
     camera->SetKind(kind);
@@ -229,11 +235,11 @@ Camera* DeviceManager::CreateListedCamera(ZYLGENICAM::ICameraInfo* info, const s
     FillRecordTexts(*camera, info);
     ZYLGENICAM::ICameraInfo* deviceInfo = handle == nullptr ? nullptr : handle->GetDeviceInfo();
     if (deviceInfo != nullptr)
-        AttachToAdapter(camera, info, deviceInfo->GetTLType());
+        AttachToAdapter(camera.get(), info, deviceInfo->GetTLType());
     return camera;
 }
 
-void DeviceManager::AttachToAdapter(Camera* camera, ZYLGENICAM::ICameraInfo* info, int tlType)
+void DeviceDiscovery::AttachToAdapter(Camera* camera, ZYLGENICAM::ICameraInfo* info, int tlType)
 {
     if (tlType == ZYLGENICAM::TL_GIGE) {
         std::string ip = SdkText(info->GetGigEInfo(ZYLGENICAM::GIGE_IP));
@@ -244,14 +250,15 @@ void DeviceManager::AttachToAdapter(Camera* camera, ZYLGENICAM::ICameraInfo* inf
         camera->SetText(ViewerBiz3::CAM_MASK, mask);
         camera->SetText(ViewerBiz3::CAM_GATEWAY, SdkText(info->GetGigEInfo(ZYLGENICAM::GIGE_GATEWAY)));
         camera->SetHostInterfaceAddress(hostInterface);
-        for (auto& adapter : m_adapterList) {
+        for (auto& adapter : m_registry.adapterList) {
             Card* card = adapter.second;
             std::string adapterIp = card->GetText(ViewerBiz3::CARD_IP);
             if (adapterIp != hostInterface)
                 continue;
             card->AddInUse();
             camera->SetListKey(adapter.first);
-            bool sameSegment = IsNetworkSameSegment(ip, mask, adapterIp, card->GetText(ViewerBiz3::CARD_MASK));
+            bool sameSegment =
+                DeviceManager::IsNetworkSameSegment(ip, mask, adapterIp, card->GetText(ViewerBiz3::CARD_MASK));
             camera->SetSameSegment(sameSegment);
             if (!sameSegment)
                 camera->SetAvailable(false);
@@ -260,64 +267,62 @@ void DeviceManager::AttachToAdapter(Camera* camera, ZYLGENICAM::ICameraInfo* inf
     } else if (tlType == ZYLGENICAM::TL_USB) {
         camera->SetKind(CameraKind::Usb);
         camera->SetListKey(USB_CARD_KEY);
-        auto usbCard = m_adapterList.find(USB_CARD_KEY);
-        if (usbCard != m_adapterList.end())
+        auto usbCard = m_registry.adapterList.find(USB_CARD_KEY);
+        if (usbCard != m_registry.adapterList.end())
             usbCard->second->AddInUse();
         camera->SetSameSegment(true);
     }
 }
 
-void DeviceManager::DropUnusedAdapters()
+void DeviceDiscovery::DropUnusedAdapters()
 {
-    for (auto entry = m_adapterList.begin(); entry != m_adapterList.end();) {
+    for (auto entry = m_registry.adapterList.begin(); entry != m_registry.adapterList.end();) {
         if (entry->second->GetInUseCount() == 0) {
             delete entry->second;
-            entry = m_adapterList.erase(entry);
+            entry = m_registry.adapterList.erase(entry);
         } else {
             ++entry;
         }
     }
 }
 
-bool DeviceManager::CameraIsOpened(ZYLGENICAM::ICameraInfo* info)
+bool DeviceDiscovery::CameraIsOpened(ZYLGENICAM::ICameraInfo* info)
 {
     // Called by the pass, which holds the operation and opened-cameras mutexes.
     if (info == nullptr)
         return false;
     int tlType = info->GetTLType();
     std::string serial = SdkText(info->GetSerialNumber());
-    auto match = m_openedCameras.end();
+    DeviceRegistry::CameraMap& opened = m_registry.openedCameras;
+    auto match = opened.end();
     if (tlType == ZYLGENICAM::TL_GIGE) {
         std::string mac = SdkText(info->GetGigEInfo(ZYLGENICAM::GIGE_MAC));
-        for (auto entry = m_openedCameras.begin(); entry != m_openedCameras.end() && match == m_openedCameras.end();
-             ++entry) {
+        for (auto entry = opened.begin(); entry != opened.end() && match == opened.end(); ++entry) {
             Camera* camera = entry->second;
             if (camera != nullptr && camera->GetKind() < static_cast<uint16_t>(firstNonGigeKind) &&
                 camera->GetInfo(ViewerBiz3::CAM_MAC) == mac)
                 match = entry;
         }
     } else if (tlType == ZYLGENICAM::TL_USB) {
-        for (auto entry = m_openedCameras.begin(); entry != m_openedCameras.end() && match == m_openedCameras.end();
-             ++entry) {
+        for (auto entry = opened.begin(); entry != opened.end() && match == opened.end(); ++entry) {
             Camera* camera = entry->second;
             if (camera != nullptr && camera->IsKind(CameraKind::Usb) && camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
                 match = entry;
         }
     } else if (tlType == ZYLGENICAM::TL_SIMULATED) {
-        for (auto entry = m_openedCameras.begin(); entry != m_openedCameras.end() && match == m_openedCameras.end();
-             ++entry) {
+        for (auto entry = opened.begin(); entry != opened.end() && match == opened.end(); ++entry) {
             if (entry->second != nullptr && IsSimulatedCamera(entry->second, serial))
                 match = entry;
         }
     } else if (tlType == ZYLGENICAM::TL_CAMERALINK) {
-        std::lock_guard<std::mutex> openedCL(m_openedCLCamerasMutex);
-        for (auto& entry : m_openedCLCameras) {
+        std::lock_guard<std::mutex> openedCL(m_registry.openedCLCamerasMutex);
+        for (auto& entry : m_registry.openedCLCameras) {
             if (entry.second != nullptr && entry.second->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
                 return true;
         }
         return false;
     }
-    if (match == m_openedCameras.end())
+    if (match == opened.end())
         return false;
     Camera* camera = match->second;
     std::string identifier = CameraIdentifier(info);
@@ -326,17 +331,17 @@ bool DeviceManager::CameraIsOpened(ZYLGENICAM::ICameraInfo* info)
     m_pendingIdUpdates.emplace_back(camera->GetKey(), identifier);
     camera->SetName(identifier);
     if (tlType == ZYLGENICAM::TL_USB) {
-        m_openedCameras.erase(match);
-        m_openedCameras.emplace(identifier, camera);
+        opened.erase(match);
+        opened.emplace(identifier, camera);
     }
     return true;
 }
 
-void DeviceManager::SendPendingIdUpdates()
+void DeviceDiscovery::SendPendingIdUpdates()
 {
     std::vector<std::pair<std::string, std::string>> updates;
     {
-        std::lock_guard<std::mutex> operation(m_operationMutex);
+        std::lock_guard<std::mutex> operation(m_registry.operationMutex);
         updates.swap(m_pendingIdUpdates);
     }
     for (auto& update : updates)
