@@ -74,8 +74,8 @@ int WithEvents(const char* function, Relay&& relay)
 
 // The ROI notification of a move or removal: what listeners write back into
 // the index and the flag is not the caller's business and is dropped.
-int NotifyROIChange(const char* function, const std::string& id, int x, int y, int width, int height,
-                    int operation, int index)
+int NotifyROIChange(const char* function, const std::string& id, int x, int y, int width, int height, int operation,
+                    int index)
 {
     return WithEvents(function, [&](EventManager& events) {
         int indexCopy = index;
@@ -164,9 +164,8 @@ int SetTLTypeList(unsigned long long mask)
 int ModifyCameraIp(std::string id, const std::string& ip, const std::string& mask, const std::string& gateway,
                    bool persistent)
 {
-    return WithDevice(__func__, -1, [&](DeviceManager& device) {
-        return device.ModifyCameraIP(id, ip, mask, gateway, persistent);
-    });
+    return WithDevice(__func__, -1,
+                      [&](DeviceManager& device) { return device.ModifyCameraIP(id, ip, mask, gateway, persistent); });
 }
 
 int OpenCamera(std::string id)
@@ -224,8 +223,7 @@ int ModifyCameraId(std::string oldId, std::string newId)
 
 int SetCameraImageMode(std::string id, int mode, bool notify)
 {
-    return WithDevice(__func__, -1,
-                      [&](DeviceManager& device) { return device.SetCameraImageMode(id, mode, notify); });
+    return WithDevice(__func__, -1, [&](DeviceManager& device) { return device.SetCameraImageMode(id, mode, notify); });
 }
 
 int GetCameraImageMode(std::string id)
@@ -258,9 +256,8 @@ int FirmwareUpgrade(std::string id, std::string file, int* progress, bool* done)
 
 int GetCLProtocolsAndSerials(std::list<std::string>& protocols, std::list<std::string>& serials)
 {
-    return WithDevice(__func__, -1, [&](DeviceManager& device) {
-        return device.GetCLProtocolsAndSerials(protocols, serials);
-    });
+    return WithDevice(__func__, -1,
+                      [&](DeviceManager& device) { return device.GetCLProtocolsAndSerials(protocols, serials); });
 }
 
 int OpenCard(std::string id)
@@ -307,14 +304,12 @@ int SetCardNodeValue(std::string id, std::string node, std::string value)
 
 int GetCameraNodeValue(std::string id, std::string node, std::string& value)
 {
-    return WithDevice(__func__, -1,
-                      [&](DeviceManager& device) { return device.GetCameraNodeValue(id, node, value); });
+    return WithDevice(__func__, -1, [&](DeviceManager& device) { return device.GetCameraNodeValue(id, node, value); });
 }
 
 int SetCameraNodeValue(std::string id, std::string node, std::string value)
 {
-    return WithDevice(__func__, -1,
-                      [&](DeviceManager& device) { return device.SetCameraNodeValue(id, node, value); });
+    return WithDevice(__func__, -1, [&](DeviceManager& device) { return device.SetCameraNodeValue(id, node, value); });
 }
 
 const char* GetAttrLayoutXML(FOCUS_TYPE type, std::string id)
@@ -325,9 +320,8 @@ const char* GetAttrLayoutXML(FOCUS_TYPE type, std::string id)
 
 void* GetAttrNodeMap(FOCUS_TYPE type, std::string id, NodeMapType which)
 {
-    return WithDevice(__func__, static_cast<void*>(nullptr), [&](DeviceManager& device) {
-        return static_cast<void*>(device.GetNodeMap(type, id, which));
-    });
+    return WithDevice(__func__, static_cast<void*>(nullptr),
+                      [&](DeviceManager& device) { return static_cast<void*>(device.GetNodeMap(type, id, which)); });
 }
 
 void NotifyImportUpdate(std::string text)
@@ -403,14 +397,12 @@ int RegisterLayoutUpdateListener(ILayoutUpdate* listener)
 
 int UnRegisterLayoutUpdateListener(ILayoutUpdate* listener)
 {
-    return WithEvents(__func__,
-                      [&](EventManager& events) { return events.UnRegisterLayoutUpdateListener(listener); });
+    return WithEvents(__func__, [&](EventManager& events) { return events.UnRegisterLayoutUpdateListener(listener); });
 }
 
 int RegisterImageUpdateListener(std::string id, IImageUpdate* listener)
 {
-    return WithEvents(__func__,
-                      [&](EventManager& events) { return events.RegisterImageUpdateListener(id, listener); });
+    return WithEvents(__func__, [&](EventManager& events) { return events.RegisterImageUpdateListener(id, listener); });
 }
 
 int UnRegisterImageUpdateListener(std::string id, IImageUpdate* listener)
@@ -421,8 +413,7 @@ int UnRegisterImageUpdateListener(std::string id, IImageUpdate* listener)
 
 int RegisterImageModeUpdateListener(IImageModeUpdate* listener)
 {
-    return WithEvents(__func__,
-                      [&](EventManager& events) { return events.RegisterImageModeUpdateListener(listener); });
+    return WithEvents(__func__, [&](EventManager& events) { return events.RegisterImageModeUpdateListener(listener); });
 }
 
 int UnRegisterImageModeUpdateListener(IImageModeUpdate* listener)
@@ -439,9 +430,8 @@ int RegisterSLImageShowModeUpdateListener(ISLImageShowModeUpdate* listener)
 
 int UnRegisterSLImageShowModeUpdateListener(ISLImageShowModeUpdate* listener)
 {
-    return WithEvents(__func__, [&](EventManager& events) {
-        return events.UnRegisterSLImageShowModeUpdateListener(listener);
-    });
+    return WithEvents(__func__,
+                      [&](EventManager& events) { return events.UnRegisterSLImageShowModeUpdateListener(listener); });
 }
 
 int RegisterAcqStatisticUpdateListener(IAcqStatisticUpdate* listener)
@@ -477,8 +467,7 @@ int RegisterCameraTimerNodeUpdateListener(std::string id, std::string node, int 
     });
 }
 
-int UnRegisterCameraTimerNodeUpdateListener(std::string id, std::string node, int interval,
-                                            ITimerNodeUpdate* listener)
+int UnRegisterCameraTimerNodeUpdateListener(std::string id, std::string node, int interval, ITimerNodeUpdate* listener)
 {
     return WithEvents(__func__, [&](EventManager& events) {
         return events.UnRegisterCameraTimerNodeUpdateListener(id, node, interval, listener);
@@ -492,8 +481,7 @@ int RegisterImportUpdateListener(IImportUpdate* listener)
 
 int UnRegisterImportUpdateListener(IImportUpdate* listener)
 {
-    return WithEvents(__func__,
-                      [&](EventManager& events) { return events.UnRegisterImportUpdateListener(listener); });
+    return WithEvents(__func__, [&](EventManager& events) { return events.UnRegisterImportUpdateListener(listener); });
 }
 
 int RegisterLoggerUpdateListener(ILoggerUpdate* listener)
@@ -503,8 +491,7 @@ int RegisterLoggerUpdateListener(ILoggerUpdate* listener)
 
 int UnRegisterLoggerUpdateListener(ILoggerUpdate* listener)
 {
-    return WithEvents(__func__,
-                      [&](EventManager& events) { return events.UnRegisterLoggerUpdateListener(listener); });
+    return WithEvents(__func__, [&](EventManager& events) { return events.UnRegisterLoggerUpdateListener(listener); });
 }
 
 int RegisterROIUpdateListener(IROIDrawUpdate* listener)
@@ -541,8 +528,7 @@ int UnRegisterLangUpdateListener(ILangUpdate* listener)
 
 int RegisterCameraIdUpdateListener(ICameraIdUpdate* listener)
 {
-    return WithEvents(__func__,
-                      [&](EventManager& events) { return events.RegisterCameraIdUpdateListener(listener); });
+    return WithEvents(__func__, [&](EventManager& events) { return events.RegisterCameraIdUpdateListener(listener); });
 }
 
 int UnRegisterCameraIdUpdateListener(ICameraIdUpdate* listener)

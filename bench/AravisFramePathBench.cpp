@@ -21,8 +21,8 @@
 #include "sdk/aravis/AravisCamera.h"
 #include "sdk/aravis/SimulatedCameraRegistry.h"
 
-using Bench::SetCounter;
 using Bench::Ratio;
+using Bench::SetCounter;
 
 namespace {
 
@@ -31,7 +31,7 @@ constexpr const char* kCameraId = "SimArea(SIM-AREA-01)";
 constexpr const char* kSmallSide = "64";
 // The simulated camera's highest AcquisitionFrameRate.
 constexpr const char* kHighestFrameRate = "10000";
-constexpr double kStatisticsFrameRate = 2.5;   // well slower than the 300 ms publication period
+constexpr double kStatisticsFrameRate = 2.5; // well slower than the 300 ms publication period
 constexpr int64_t kLateStatisticsNs = 100000000;
 
 // The library with the simulated area camera open and set to small frames, and a plain
@@ -64,8 +64,8 @@ private:
             return;
         if (ViewerBiz3::OpenCamera(kCameraId) != 0)
             return;
-        if (ViewerBiz3::SetCameraNodeValue(kCameraId, "Width", kSmallSide) != 0
-            || ViewerBiz3::SetCameraNodeValue(kCameraId, "Height", kSmallSide) != 0)
+        if (ViewerBiz3::SetCameraNodeValue(kCameraId, "Width", kSmallSide) != 0 ||
+            ViewerBiz3::SetCameraNodeValue(kCameraId, "Height", kSmallSide) != 0)
             return;
         auto devices = ZYLGENICAM::SimulatedCameraRegistry::Instance().RequestedDevices();
         if (devices.empty())
@@ -114,7 +114,8 @@ void BM_AravisFramePath(benchmark::State& state)
         SetCounter(state, "raw_received_share", raw.ReceivedShare());
         SetCounter(state, "lib_received_share", library.ReceivedShare());
         SetCounter(state, "lib_lost_per_s", Ratio(library.FramesLost(), library.wallSeconds));
-        SetCounter(state, "lib_delivered_per_s", Ratio(static_cast<double>(library.hostDeliveries), library.wallSeconds));
+        SetCounter(state, "lib_delivered_per_s",
+                   Ratio(static_cast<double>(library.hostDeliveries), library.wallSeconds));
     }
 }
 BENCHMARK(BM_AravisFramePath)
@@ -162,7 +163,12 @@ void BM_AravisImageLatency(benchmark::State& state)
         }
     }
 }
-BENCHMARK(BM_AravisImageLatency)->Arg(25)->Arg(1000)->ArgName("fps")->Iterations(1)->Unit(benchmark::kMillisecond)
+BENCHMARK(BM_AravisImageLatency)
+    ->Arg(25)
+    ->Arg(1000)
+    ->ArgName("fps")
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 
 // Time from a frame's timestamp to the statistics callback that first counts it. The camera

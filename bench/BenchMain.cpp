@@ -10,8 +10,7 @@ int main(int argc, char** argv)
 {
     std::string why;
     if (!EnterPrivateNetworkNamespace(why))
-        std::fprintf(stderr, "No private network namespace (%s): GigE Vision benchmarks are skipped.\n",
-                     why.c_str());
+        std::fprintf(stderr, "No private network namespace (%s): GigE Vision benchmarks are skipped.\n", why.c_str());
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

@@ -25,7 +25,7 @@ bool AddLoopbackAddress(const std::string& address, int host, std::string& why)
         why = "no socket for configuring loopback";
         return false;
     }
-    ifreq request {};
+    ifreq request{};
     std::snprintf(request.ifr_name, IFNAMSIZ, "lo:%d", host);
     auto* inet = reinterpret_cast<sockaddr_in*>(&request.ifr_addr);
     inet->sin_family = AF_INET;
@@ -44,8 +44,7 @@ FakeGigeFleet::FakeGigeFleet(int count, const std::string& serialPrefix, int fir
     for (int i = 0; i < count; ++i) {
         char serial[32];
         std::snprintf(serial, sizeof serial, "%s%02d", serialPrefix.c_str(), i + 1);
-        m_cameras.push_back(
-            std::make_unique<FakeGigeCamera>(serial, "127.0.0." + std::to_string(firstHost + i)));
+        m_cameras.push_back(std::make_unique<FakeGigeCamera>(serial, "127.0.0." + std::to_string(firstHost + i)));
     }
 }
 

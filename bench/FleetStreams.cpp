@@ -112,7 +112,7 @@ bool LibraryFleet::Open(const FrameSettings& settings, std::string& why)
             return false;
         }
         m_opened.push_back(id);
-        std::vector<std::pair<const char*, int>> nodes {
+        std::vector<std::pair<const char*, int>> nodes{
             {"Width", settings.width}, {"Height", settings.height}, {"AcquisitionFrameRate", settings.frameRate}};
         if (settings.packetSize > 0)
             nodes.emplace_back("GevSCPSPacketSize", settings.packetSize);

@@ -17,13 +17,13 @@ struct FrameSettings {
     int width = 64;
     int height = 64;
     int frameRate = 1000;
-    int packetSize = 0;   // GevSCPSPacketSize in bytes; 0 keeps the camera's
+    int packetSize = 0; // GevSCPSPacketSize in bytes; 0 keeps the camera's
 };
 
 struct FleetWindow {
     std::vector<StreamWindow> cameras;
-    double wallSeconds = 0;  // the common window
-    double cpuSeconds = 0;   // whole process over it
+    double wallSeconds = 0; // the common window
+    double cpuSeconds = 0;  // whole process over it
 
     double FramesPerSecond() const { return Sum(&StreamWindow::FramesPerSecond); }
     double CameraFramesPerSecond() const { return Sum(&StreamWindow::CameraFramesPerSecond); }

@@ -50,8 +50,8 @@ void FrameSink::OnAcqStatisticUpdate(std::string cameraKey, bool fromSetInfo)
     publication.realTimeNs = RealTimeNs();
     publication.processCpuSeconds = ProcessCpuSeconds();
     if (m_readFrameCount.load())
-        publication.frameCount = std::strtoull(
-            ViewerBiz3::GetCameraInfo(m_cameraId, ViewerBiz3::CAM_FRAME_COUNT).c_str(), nullptr, 10);
+        publication.frameCount =
+            std::strtoull(ViewerBiz3::GetCameraInfo(m_cameraId, ViewerBiz3::CAM_FRAME_COUNT).c_str(), nullptr, 10);
     m_publications.fetch_add(1);
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_statistics.size() < m_statistics.capacity())

@@ -15,18 +15,18 @@
 namespace Bench {
 
 struct DeliveredFrame {
-    double wallSeconds = 0;    // steady clock at the callback
-    int64_t realTimeNs = 0;    // wall clock at the callback
+    double wallSeconds = 0; // steady clock at the callback
+    int64_t realTimeNs = 0; // wall clock at the callback
     uint64_t frameId = 0;
-    uint64_t timestampNs = 0;  // the SDK's stamp of the frame
-    const void* data = nullptr;  // the pixels as the host got them
+    uint64_t timestampNs = 0;   // the SDK's stamp of the frame
+    const void* data = nullptr; // the pixels as the host got them
 };
 
 struct StatisticsPublication {
     double wallSeconds = 0;
     int64_t realTimeNs = 0;
     double processCpuSeconds = 0;
-    uint64_t frameCount = 0;   // CAM_INFO frame count read in the callback (when asked for)
+    uint64_t frameCount = 0; // CAM_INFO frame count read in the callback (when asked for)
 };
 
 class FrameSink : public ViewerBiz3::IImageUpdate, public ViewerBiz3::IAcqStatisticUpdate {

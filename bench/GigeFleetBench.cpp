@@ -17,21 +17,21 @@
 #include "LibrarySession.h"
 #include "SdkBufferWatch.h"
 
-using Bench::SetCounter;
 using Bench::Ratio;
+using Bench::SetCounter;
 
 namespace {
 
 // The fake GigE camera's highest AcquisitionFrameRate, at small frames.
-const Bench::FrameSettings kSmallFrames { 64, 64, 1000 };
+const Bench::FrameSettings kSmallFrames{64, 64, 1000};
 // Its whole sensor, as fast as it sends it, in jumbo packets as large frames are sent.
-const Bench::FrameSettings kLargeFrames { 2048, 2048, 1000, 8000 };
+const Bench::FrameSettings kLargeFrames{2048, 2048, 1000, 8000};
 
 struct Sides {
     Bench::FleetWindow raw;
     Bench::FleetWindow library;
     double deliveredFrames = 0;
-    double zeroCopyFrames = 0;   // delivered frames whose pixels are an SDK buffer's own
+    double zeroCopyFrames = 0; // delivered frames whose pixels are an SDK buffer's own
 };
 
 class FleetRun {
@@ -127,8 +127,15 @@ void BM_GigeCameraCount(benchmark::State& state)
     FleetRun run(cameras, "N" + std::to_string(cameras) + "C", 10 * cameras + 2);
     RunFleet(state, run, kSmallFrames, [&](const Sides&) { SetCounter(state, "cameras", cameras); });
 }
-BENCHMARK(BM_GigeCameraCount)->Arg(1)->Arg(4)->Arg(8)->ArgName("cameras")
-    ->Iterations(1)->Repetitions(static_cast<int>(Bench::Count(3, 1)))->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_GigeCameraCount)
+    ->Arg(1)
+    ->Arg(4)
+    ->Arg(8)
+    ->ArgName("cameras")
+    ->Iterations(1)
+    ->Repetitions(static_cast<int>(Bench::Count(3, 1)))
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 // One camera sending 2048 × 2048 Mono8 frames: bytes per second, and whether the host's image is
 // the SDK's buffer itself.
@@ -143,7 +150,10 @@ void BM_GigeLargeFrames(benchmark::State& state)
         SetCounter(state, "zero_copy_share", Ratio(sides.zeroCopyFrames, sides.deliveredFrames));
     });
 }
-BENCHMARK(BM_GigeLargeFrames)->Iterations(1)->Repetitions(static_cast<int>(Bench::Count(3, 1)))->Unit(benchmark::kMillisecond)
+BENCHMARK(BM_GigeLargeFrames)
+    ->Iterations(1)
+    ->Repetitions(static_cast<int>(Bench::Count(3, 1)))
+    ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 
 } // namespace

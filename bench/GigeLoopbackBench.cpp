@@ -21,8 +21,8 @@
 #include "support/common/FakeGigeCamera.h"
 #include "support/common/PrivateNetworkNamespace.h"
 
-using Bench::SetCounter;
 using Bench::Ratio;
+using Bench::SetCounter;
 
 namespace {
 
@@ -34,7 +34,7 @@ constexpr int kHighestFrameRate = 1000;
 struct ToolFigures {
     double framesPerSecond = 0;
     double completed = 0;
-    double lost = 0;   // missing frames, failures, underruns, aborted buffers
+    double lost = 0; // missing frames, failures, underruns, aborted buffers
 };
 
 // Runs a command line through the shell and returns what it printed (stdout and stderr).
@@ -44,7 +44,7 @@ std::string RunAndCapture(const std::string& commandLine)
     FILE* pipe = popen((commandLine + " 2>&1").c_str(), "r");
     if (pipe == nullptr)
         return output;
-    std::array<char, 4096> chunk {};
+    std::array<char, 4096> chunk{};
     size_t read = 0;
     while ((read = std::fread(chunk.data(), 1, chunk.size(), pipe)) > 0)
         output.append(chunk.data(), read);
@@ -78,8 +78,8 @@ ToolFigures ParseCameraTest(const std::string& output)
     }
     figures.framesPerSecond = seconds > 1 ? frames / (seconds - 1) : 0;
     figures.completed = Field(output, "n_completed_buffers");
-    figures.lost = Field(output, "n_missing_frames") + Field(output, "n_failures") + Field(output, "n_underruns")
-                   + Field(output, "n_aborted");
+    figures.lost = Field(output, "n_missing_frames") + Field(output, "n_failures") + Field(output, "n_underruns") +
+                   Field(output, "n_aborted");
     return figures;
 }
 
@@ -151,7 +151,10 @@ void BM_GigeLoopback(benchmark::State& state)
         SetCounter(state, "window_s", library.wallSeconds);
     }
 }
-BENCHMARK(BM_GigeLoopback)->Iterations(1)->Repetitions(static_cast<int>(Bench::Count(3, 1)))
-    ->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_GigeLoopback)
+    ->Iterations(1)
+    ->Repetitions(static_cast<int>(Bench::Count(3, 1)))
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 } // namespace

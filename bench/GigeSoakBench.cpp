@@ -20,7 +20,7 @@ using Bench::SetCounter;
 
 namespace {
 
-const Bench::FrameSettings kHighestRate { 64, 64, 1000 };
+const Bench::FrameSettings kHighestRate{64, 64, 1000};
 constexpr double kLongestWarmUpSeconds = 60;
 constexpr double kMiB = 1024.0 * 1024.0;
 // The first cycle sets up what the process keeps for good (GLib's worker thread and its event
@@ -41,7 +41,7 @@ struct ProcessSnapshot {
 
     static ProcessSnapshot Take()
     {
-        ProcessSnapshot snapshot { 1e9, 1e9, double(Bench::ResidentBytes()) };
+        ProcessSnapshot snapshot{1e9, 1e9, double(Bench::ResidentBytes())};
         for (int reading = 0; reading < kReadings; ++reading) {
             if (reading > 0)
                 Bench::SleepSeconds(kReadingGapSeconds);
@@ -98,9 +98,8 @@ void BM_GigeSoak(benchmark::State& state)
         Bench::LibraryFleet libraryFleet(ids, deliveries);
         std::string failure;
         if (libraryFleet.Open(kHighestRate, failure))
-            library = libraryFleet.Stream(cycleSeconds, [&](double window) {
-                watch.Watch(window, std::min(warmUpSeconds, window / 2));
-            });
+            library = libraryFleet.Stream(
+                cycleSeconds, [&](double window) { watch.Watch(window, std::min(warmUpSeconds, window / 2)); });
         rawSide.join();
     };
     for (auto _ : state) {

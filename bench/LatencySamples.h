@@ -14,7 +14,7 @@ class LatencySamples {
 public:
     explicit LatencySamples(std::size_t capacity = 1 << 20);
 
-    void Add(int64_t nanoseconds);   // dropped once the reserved room is full
+    void Add(int64_t nanoseconds); // dropped once the reserved room is full
     void Clear();
     std::size_t Count() const;
     // The p-quantile (0 <= p <= 1) in nanoseconds by nearest rank; 0 without samples.

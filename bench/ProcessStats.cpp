@@ -11,7 +11,7 @@ namespace {
 
 double ClockSeconds(clockid_t clock)
 {
-    timespec now {};
+    timespec now{};
     clock_gettime(clock, &now);
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
@@ -30,7 +30,7 @@ double WallSeconds()
 
 int64_t RealTimeNs()
 {
-    timespec now {};
+    timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     return static_cast<int64_t>(now.tv_sec) * 1000000000 + now.tv_nsec;
 }

@@ -33,8 +33,8 @@ RawSdkStream::RawSdkStream(const std::string& serialNumber, uint64_t tlMask)
     }
     if (m_camera == nullptr)
         return;
-    if (m_camera->Open(kExclusiveAccess) != ZYLGENICAM::SDK_OK
-        || m_camera->StartGrabbing(0, UINT64_MAX) != ZYLGENICAM::SDK_OK) {
+    if (m_camera->Open(kExclusiveAccess) != ZYLGENICAM::SDK_OK ||
+        m_camera->StartGrabbing(0, UINT64_MAX) != ZYLGENICAM::SDK_OK) {
         m_camera->Destroy();
         m_camera = nullptr;
     }

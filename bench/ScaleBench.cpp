@@ -188,8 +188,8 @@ bool PrepareLookups(std::size_t listed, std::size_t opened, LookupTarget& target
     if (target.key.empty())
         return false;
     target.name = std::string(kRenamedUserId) + "(" + serial + ")";
-    if (ViewerBiz3::GetCameraInfo(target.key, ViewerBiz3::CAM_NAME) != target.name
-        && ViewerBiz3::ModifyCameraId(target.key, kRenamedUserId) != 0)
+    if (ViewerBiz3::GetCameraInfo(target.key, ViewerBiz3::CAM_NAME) != target.name &&
+        ViewerBiz3::ModifyCameraId(target.key, kRenamedUserId) != 0)
         return false;
     return ViewerBiz3::GetCameraInfo(target.name, ViewerBiz3::CAM_NAME) == target.name;
 }

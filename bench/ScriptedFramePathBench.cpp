@@ -57,7 +57,7 @@ struct Snapshot {
     double wall = 0;
     double cpu = 0;
     AllocationTotals allocations;
-    uint64_t keyCopies = 0;   // allocations of the size of a copy of the camera key
+    uint64_t keyCopies = 0; // allocations of the size of a copy of the camera key
 };
 
 Snapshot Take(const Scripted::ScriptedDevice& device, const Bench::FrameSink& sink)
@@ -148,7 +148,8 @@ void BM_ScriptedFramePath(benchmark::State& state)
         Window library;
         auto drainRaw = [&] { raw = DrainWithSdk("RAW-FAST", seconds); };
         auto streamLibrary = [&] {
-            library = StreamThroughLibrary(id, libraryDevice, sink, kWarmUpSeconds, [&] { Bench::SleepSeconds(seconds); });
+            library =
+                StreamThroughLibrary(id, libraryDevice, sink, kWarmUpSeconds, [&] { Bench::SleepSeconds(seconds); });
         };
         order.Run(streamLibrary, drainRaw);
         double libraryAllocations = library.Frames() > 0 ? library.Allocations().calls / library.Frames() : 0;
@@ -161,8 +162,8 @@ void BM_ScriptedFramePath(benchmark::State& state)
         SetCounter(state, "lib_cpu_ns_per_frame", library.CpuNsPerFrame());
         SetCounter(state, "layer_cpu_ns_per_frame", library.CpuNsPerFrame() - raw.CpuNsPerFrame());
         SetCounter(state, "layer_ns_per_frame", library.NsPerFrame() - raw.NsPerFrame());
-        SetCounter(state, "throughput_ratio", raw.NsPerFrame() > 0 && library.NsPerFrame() > 0
-                                                  ? raw.NsPerFrame() / library.NsPerFrame() : 0);
+        SetCounter(state, "throughput_ratio",
+                   raw.NsPerFrame() > 0 && library.NsPerFrame() > 0 ? raw.NsPerFrame() / library.NsPerFrame() : 0);
         SetCounter(state, "raw_allocs_per_frame", raw.AllocationsPerFrame());
         SetCounter(state, "raw_bytes_per_frame", raw.BytesPerFrame());
         SetCounter(state, "lib_allocs_per_frame", libraryAllocations);
@@ -173,7 +174,11 @@ void BM_ScriptedFramePath(benchmark::State& state)
         SetCounter(state, "lib_delivered", library.Delivered());
     }
 }
-BENCHMARK(BM_ScriptedFramePath)->Iterations(1)->Repetitions(static_cast<int>(Bench::Count(5, 1)))->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_ScriptedFramePath)
+    ->Iterations(1)
+    ->Repetitions(static_cast<int>(Bench::Count(5, 1)))
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 // Paced below the 30 ms display cap so that every frame reaches the host: allocations per
 // delivered frame, after taking off what the SDK allocates per frame and what the library's
@@ -221,7 +226,11 @@ void BM_ScriptedDeliveryAllocations(benchmark::State& state)
     }
     AllocationCounter::WatchSize(0);
 }
-BENCHMARK(BM_ScriptedDeliveryAllocations)->Iterations(1)->Repetitions(static_cast<int>(Bench::Count(3, 1)))->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_ScriptedDeliveryAllocations)
+    ->Iterations(1)
+    ->Repetitions(static_cast<int>(Bench::Count(3, 1)))
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 // Polled rather than waited on: a waiter on the device would be woken by every frame. Returns
 // the count seen.

@@ -18,11 +18,11 @@ inline uint64_t FrameIdStep(uint64_t previous, uint64_t id)
 
 struct StreamWindow {
     uint64_t framesReceived = 0;
-    double framesProduced = 0;  // what the camera sent meanwhile, from its frame ids
+    double framesProduced = 0; // what the camera sent meanwhile, from its frame ids
     double wallSeconds = 0;
-    double cpuSeconds = 0;      // whole process, every thread
-    AllocationTotals allocations;  // whole process, over the window
-    uint64_t hostDeliveries = 0;   // frames that reached the host's image listener in the window
+    double cpuSeconds = 0;        // whole process, every thread
+    AllocationTotals allocations; // whole process, over the window
+    uint64_t hostDeliveries = 0;  // frames that reached the host's image listener in the window
 
     double FramesPerSecond() const { return wallSeconds > 0 ? static_cast<double>(framesReceived) / wallSeconds : 0; }
     double CpuMicrosecondsPerFrame() const

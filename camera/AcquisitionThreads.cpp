@@ -24,8 +24,7 @@ AcquisitionThreads::~AcquisitionThreads()
     ReleaseQueuedImages();
 }
 
-void AcquisitionThreads::StartOrResume(LoopThread& loop, std::function<void()> body,
-                                       const std::function<void()>& wake)
+void AcquisitionThreads::StartOrResume(LoopThread& loop, std::function<void()> body, const std::function<void()>& wake)
 {
     loop.pause.store(false);
     if (loop.thread.joinable()) {
@@ -75,13 +74,17 @@ void AcquisitionThreads::Join()
 void AcquisitionThreads::WakeGrabThread()
 {
     // Taking the mutex orders the flag store before the waiter's predicate test.
-    { std::lock_guard<std::mutex> lock(m_grabWaitMutex); }
+    {
+        std::lock_guard<std::mutex> lock(m_grabWaitMutex);
+    }
     m_grabCondition.notify_all();
 }
 
 void AcquisitionThreads::WakeDeliveryThread()
 {
-    { std::lock_guard<std::mutex> lock(m_queueMutex); }
+    {
+        std::lock_guard<std::mutex> lock(m_queueMutex);
+    }
     m_deliveryCondition.notify_all();
 }
 

@@ -109,8 +109,7 @@ int Camera::OpenCamera(int accessMode)
     m_available.store(true);
     m_online.store(true);
     StartWatchdogIfAbsent();
-    Utilities::LogInfo(name, "Open camera success, cost time = " + std::to_string(NowMs() - start) + "ms",
-                       notifyHost);
+    Utilities::LogInfo(name, "Open camera success, cost time = " + std::to_string(NowMs() - start) + "ms", notifyHost);
     return 0;
 }
 
@@ -288,8 +287,8 @@ int Camera::ModifyCameraIP(const std::string& ip, const std::string& mask, const
     ZYLGENICAM::ICameraInfo* info = sdkCamera->GetDeviceInfo();
     if (!info)
         return -1;
-    int64_t result = ZYLGENICAM::SetCameraIP(info->GetSerialNumber(), ip.c_str(), mask.c_str(), gateway.c_str(),
-                                             persistent);
+    int64_t result =
+        ZYLGENICAM::SetCameraIP(info->GetSerialNumber(), ip.c_str(), mask.c_str(), gateway.c_str(), persistent);
     if (result == ipSetWithoutReboot)
         result = 0;
     if (result != 0)

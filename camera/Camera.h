@@ -59,8 +59,8 @@ public:
 
     std::string GetInfo(ViewerBiz3::CAM_INFO info);
     int SetInfo(ViewerBiz3::CAM_INFO info, const std::string& value);
-    int GetIntNodeInfo(std::string nodeName, std::string& value, std::string& min, std::string& max,
-                       std::string& inc, bool featureNodeMap);
+    int GetIntNodeInfo(std::string nodeName, std::string& value, std::string& min, std::string& max, std::string& inc,
+                       bool featureNodeMap);
     ZYLGENICAM::IModule* GetXML(ViewerBiz3::FOCUS_TYPE type);
     GenApi_3_4::INodeMap* GetNodeMap(ViewerBiz3::NodeMapType type);
     void SetCamera(ZYLGENICAM::ICamera* camera);

@@ -128,8 +128,8 @@ void Camera::DeliverImage(ZYLGENICAM::IImage* image, int extra1, int extra2)
 void Camera::LogGrabFailure(int code, uint64_t frameId)
 {
     Utilities::LogError(GetName(),
-                        "Failed to get image, errorcode = " + std::to_string(code) + ", frameId = " +
-                            std::to_string(frameId),
+                        "Failed to get image, errorcode = " + std::to_string(code) +
+                            ", frameId = " + std::to_string(frameId),
                         notifyHost);
 }
 
@@ -138,7 +138,8 @@ uint64_t Camera::PayloadFromPixelFormat(ZYLGENICAM::IImage* image)
     unsigned long bitDepth = 0;
     unsigned long channels = 0;
     unsigned long payloadSize = 0;
-    Utilities::PayloadCalc(static_cast<unsigned long>(image->GetWidth()), static_cast<unsigned long>(image->GetHeight()),
+    Utilities::PayloadCalc(static_cast<unsigned long>(image->GetWidth()),
+                           static_cast<unsigned long>(image->GetHeight()),
                            static_cast<unsigned long>(image->GetPixelFormat()), bitDepth, channels, payloadSize);
     return payloadSize;
 }
@@ -150,10 +151,9 @@ void Camera::GrabImageFunction()
 
 void Camera::DeliverImageFunction()
 {
-    m_acquisition.RunDeliveryLoop([this] { return CurrentDeliveryStyle(); },
-                                  [this](ZYLGENICAM::IImage* image, const DeliveryStyle& style) {
-                                      DeliverFrame(image, style);
-                                  });
+    m_acquisition.RunDeliveryLoop(
+        [this] { return CurrentDeliveryStyle(); },
+        [this](ZYLGENICAM::IImage* image, const DeliveryStyle& style) { DeliverFrame(image, style); });
 }
 
 void Camera::RunGrabLoop(const GrabLoopStyle& style)

@@ -128,9 +128,9 @@ std::string CameraInfoTable::BecomePlaceholder(const std::string& prefix)
     std::lock_guard<std::mutex> lock(m_mutex);
     const std::string name = prefix + m_texts[VIRTUAL_SUFFIX];
     m_texts[ViewerBiz3::CAM_NAME] = name;
-    for (CAM_INFO info : {ViewerBiz3::CAM_MODEL_NAME, ViewerBiz3::CAM_DEVICE_TEXT, ViewerBiz3::CAM_DEVICE_TEXT2,
-                          ViewerBiz3::CAM_SERIAL, ViewerBiz3::CAM_TEXT61, ViewerBiz3::CAM_CL_PROTOCOL,
-                          ViewerBiz3::CAM_CL_SERIAL_PORT})
+    for (CAM_INFO info :
+         {ViewerBiz3::CAM_MODEL_NAME, ViewerBiz3::CAM_DEVICE_TEXT, ViewerBiz3::CAM_DEVICE_TEXT2, ViewerBiz3::CAM_SERIAL,
+          ViewerBiz3::CAM_TEXT61, ViewerBiz3::CAM_CL_PROTOCOL, ViewerBiz3::CAM_CL_SERIAL_PORT})
         m_texts[info] = placeholderText;
     m_texts[ViewerBiz3::CAM_TEXT59] = "1";
     m_texts[ViewerBiz3::CAM_TEXT60] = "0";

@@ -24,8 +24,7 @@ constexpr uint64_t chunkHeaderBytes = 24;
 constexpr double bitsPerMegabit = 125000.0;
 constexpr auto switchWritePause = std::chrono::milliseconds(10);
 
-const std::array<const char*, 4> modeSwitches = {"EnableExtraction", "EnableImage", "EnableCalibration",
-                                                 "BatchEnable"};
+const std::array<const char*, 4> modeSwitches = {"EnableExtraction", "EnableImage", "EnableCalibration", "BatchEnable"};
 // Switch values per image mode, in the order of modeSwitches.
 const std::array<std::array<bool, 4>, 3> modeTable = {{
     {true, true, false, false},
@@ -164,8 +163,9 @@ LPCamera::AcquisitionSettings LPCamera::ReadAcquisitionSettings()
     settings.depth16 = depth.find("16") != std::string::npos;
 
     // A batch number of 0 would divide by zero: such a camera acquires no limited batch.
-    settings.framesToAcquire =
-        settings.batchNumber == 0 ? 0 : (uint64_t{settings.lineCount} + settings.batchNumber - 1) / settings.batchNumber;
+    settings.framesToAcquire = settings.batchNumber == 0
+                                   ? 0
+                                   : (uint64_t{settings.lineCount} + settings.batchNumber - 1) / settings.batchNumber;
     return settings;
 }
 

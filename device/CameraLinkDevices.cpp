@@ -25,9 +25,7 @@ void AttachToCard(CLCamera* camera, Card* card, const std::string& cameraKey)
 
 } // namespace
 
-CameraLinkDevices::CameraLinkDevices(DeviceRegistry& registry, CameraHost& host) : m_registry(registry), m_host(host)
-{
-}
+CameraLinkDevices::CameraLinkDevices(DeviceRegistry& registry, CameraHost& host) : m_registry(registry), m_host(host) {}
 
 CameraLinkDevices::~CameraLinkDevices()
 {
@@ -116,8 +114,7 @@ int CameraLinkDevices::GetCardNodeValue(const std::string& key, const std::strin
     return card == nullptr ? -1 : card->GetNodeValue(node, value);
 }
 
-int CameraLinkDevices::SetCardNodeValue(const std::string& key, const std::string& node,
-                                        const std::string& value)
+int CameraLinkDevices::SetCardNodeValue(const std::string& key, const std::string& node, const std::string& value)
 {
     Card* card = m_registry.FindOpenedCard(key);
     CLCamera* cardCamera = card == nullptr ? nullptr : card->GetCardCamera();

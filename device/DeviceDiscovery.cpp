@@ -56,7 +56,9 @@ void DeviceDiscovery::Stop()
         discovery = std::move(m_discoveryThread);
     }
     m_refreshCondition.notify_one();
-    { std::lock_guard<std::mutex> lock(m_timerMutex); }
+    {
+        std::lock_guard<std::mutex> lock(m_timerMutex);
+    }
     m_timerWake.notify_all();
     if (m_timerThread.joinable())
         m_timerThread.join();
@@ -195,9 +197,9 @@ void DeviceDiscovery::AttachOpenedCameras()
         std::string hostInterface = camera->GetHostInterfaceAddress();
         for (auto& adapter : m_registry.adapterList) {
             Card* card = adapter.second;
-            bool matches = usb ? card->GetType() == Card::USB_ADAPTER
-                               : card->GetType() == Card::NETWORK_ADAPTER &&
-                                     card->GetText(ViewerBiz3::CARD_IP) == hostInterface;
+            bool matches =
+                usb ? card->GetType() == Card::USB_ADAPTER
+                    : card->GetType() == Card::NETWORK_ADAPTER && card->GetText(ViewerBiz3::CARD_IP) == hostInterface;
             if (matches) {
                 camera->SetListKey(adapter.first);
                 card->AddInUse();
@@ -306,7 +308,8 @@ bool DeviceDiscovery::CameraIsOpened(ZYLGENICAM::ICameraInfo* info)
     } else if (tlType == ZYLGENICAM::TL_USB) {
         for (auto entry = opened.begin(); entry != opened.end() && match == opened.end(); ++entry) {
             Camera* camera = entry->second;
-            if (camera != nullptr && camera->IsKind(CameraKind::Usb) && camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
+            if (camera != nullptr && camera->IsKind(CameraKind::Usb) &&
+                camera->GetInfo(ViewerBiz3::CAM_SERIAL) == serial)
                 match = entry;
         }
     } else if (tlType == ZYLGENICAM::TL_SIMULATED) {

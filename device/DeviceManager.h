@@ -52,8 +52,8 @@ public:
     int SetCameraInfo(std::string id, ViewerBiz3::CAM_INFO info, const std::string& value);
     int GetCameraNodeValue(std::string id, std::string node, std::string& value);
     int SetCameraNodeValue(std::string id, std::string node, std::string value);
-    int GetCameraIntNodeInfo(std::string id, std::string node, std::string& value, std::string& min,
-                             std::string& max, std::string& inc);
+    int GetCameraIntNodeInfo(std::string id, std::string node, std::string& value, std::string& min, std::string& max,
+                             std::string& inc);
     // The GenICam description text of the selected module, null when absent.
     const char* GetXML(ViewerBiz3::FOCUS_TYPE type, std::string id);
     GenApi_3_4::INodeMap* GetNodeMap(ViewerBiz3::FOCUS_TYPE type, std::string id, ViewerBiz3::NodeMapType which);

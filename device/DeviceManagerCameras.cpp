@@ -24,8 +24,8 @@ unsigned long long ParseFrameCount(const std::string& source, const std::string&
     unsigned long long frames = std::strtoull(begin, &end, 10);
     if (end != begin && *end == '\0' && count.find('-') == std::string::npos)
         return frames;
-    Utilities::LogWarning(source, "AcquisitionFrameCount \"" + count + "\" is no number: grabbing without a frame limit.",
-                          1);
+    Utilities::LogWarning(source,
+                          "AcquisitionFrameCount \"" + count + "\" is no number: grabbing without a frame limit.", 1);
     return ZYLGENICAM::NO_FRAME_LIMIT;
 }
 
@@ -39,8 +39,8 @@ int DeviceManager::OpenCamera(std::string id)
     if (camera == nullptr)
         return -1;
     if (m_registry.HasAddressConflict(camera)) {
-        Utilities::LogError(camera->GetName(), "Ip conflict.Please check if there are devices with the same IP address.",
-                            1);
+        Utilities::LogError(camera->GetName(),
+                            "Ip conflict.Please check if there are devices with the same IP address.", 1);
         return -10;
     }
     int result = camera->OpenCamera(1);

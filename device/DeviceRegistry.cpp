@@ -142,8 +142,9 @@ void DeviceRegistry::RemoveLostCamera(const std::string& id)
         auto found = deviceList.find(id);
         // A USB camera re-keyed under its new name still reports the key it was listed with.
         if (found == deviceList.end())
-            found = std::find_if(deviceList.begin(), deviceList.end(),
-                                 [&id](const auto& entry) { return entry.second != nullptr && entry.second->GetKey() == id; });
+            found = std::find_if(deviceList.begin(), deviceList.end(), [&id](const auto& entry) {
+                return entry.second != nullptr && entry.second->GetKey() == id;
+            });
         if (found != deviceList.end()) {
             Camera* listed = found->second;
             deviceList.erase(found);

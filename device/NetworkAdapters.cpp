@@ -50,7 +50,7 @@ private:
 
 ifreq RequestFor(const char* interfaceName)
 {
-    ifreq query {};
+    ifreq query{};
     std::strncpy(query.ifr_name, interfaceName, IFNAMSIZ - 1);
     return query;
 }
@@ -141,8 +141,8 @@ std::string GetMACAddress(const char* interfaceName)
             reinterpret_cast<const unsigned char*>(LLADDR(reinterpret_cast<const sockaddr_dl*>(entry->ifa_addr)));
 #endif
         char buffer[20];
-        std::snprintf(buffer, sizeof(buffer), "%02X:%02X:%02X:%02X:%02X:%02X", bytes[0], bytes[1], bytes[2],
-                      bytes[3], bytes[4], bytes[5]);
+        std::snprintf(buffer, sizeof(buffer), "%02X:%02X:%02X:%02X:%02X:%02X", bytes[0], bytes[1], bytes[2], bytes[3],
+                      bytes[4], bytes[5]);
         text = buffer;
         break;
     }

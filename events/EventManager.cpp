@@ -93,8 +93,7 @@ int EventManager::UnRegisterImageModeUpdateListener(IImageModeUpdate* listener)
 
 void EventManager::NotifyImageModeUpdateListener(std::string cameraKey, int imageMode)
 {
-    NotifyListener(m_imageModeMutex, m_imageModeListeners, &IImageModeUpdate::OnImageModeUpdate, cameraKey,
-                   imageMode);
+    NotifyListener(m_imageModeMutex, m_imageModeListeners, &IImageModeUpdate::OnImageModeUpdate, cameraKey, imageMode);
 }
 
 int EventManager::RegisterSLImageShowModeUpdateListener(ISLImageShowModeUpdate* listener)
@@ -109,8 +108,8 @@ int EventManager::UnRegisterSLImageShowModeUpdateListener(ISLImageShowModeUpdate
 
 void EventManager::NotifySLImageShowModeUpdateListener(std::string cameraId, int showMode)
 {
-    NotifyListener(m_slImageShowModeMutex, m_slImageShowModeListeners,
-                   &ISLImageShowModeUpdate::OnSLImageShowModeUpdate, cameraId, showMode);
+    NotifyListener(m_slImageShowModeMutex, m_slImageShowModeListeners, &ISLImageShowModeUpdate::OnSLImageShowModeUpdate,
+                   cameraId, showMode);
 }
 
 int EventManager::RegisterAcqStatisticUpdateListener(IAcqStatisticUpdate* listener)
@@ -140,8 +139,7 @@ int EventManager::UnRegisterCardTimerNodeUpdateListener(std::string /*cardId*/, 
     return UnRegisterListener(listener, m_cardTimerNodeMutex, m_cardTimerNodeListeners);
 }
 
-void EventManager::NotifyCardTimerNodeUpdateListener(std::string deviceId, std::string nodeName,
-                                                     std::string nodeValue)
+void EventManager::NotifyCardTimerNodeUpdateListener(std::string deviceId, std::string nodeName, std::string nodeValue)
 {
     NotifyListener(m_cardTimerNodeMutex, m_cardTimerNodeListeners, &ITimerNodeUpdate::OnTimerNodeUpdate, deviceId,
                    nodeName, nodeValue);
@@ -162,8 +160,8 @@ int EventManager::UnRegisterCameraTimerNodeUpdateListener(std::string /*cameraId
 void EventManager::NotifyCameraTimerNodeUpdateListener(std::string deviceId, std::string nodeName,
                                                        std::string nodeValue)
 {
-    NotifyListener(m_cameraTimerNodeMutex, m_cameraTimerNodeListeners, &ITimerNodeUpdate::OnTimerNodeUpdate,
-                   deviceId, nodeName, nodeValue);
+    NotifyListener(m_cameraTimerNodeMutex, m_cameraTimerNodeListeners, &ITimerNodeUpdate::OnTimerNodeUpdate, deviceId,
+                   nodeName, nodeValue);
 }
 
 int EventManager::RegisterImportUpdateListener(IImportUpdate* listener)

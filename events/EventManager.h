@@ -123,8 +123,8 @@ public:
     int RegisterROIUpdateListener(ViewerBiz3::IROIDrawUpdate* listener);
     int UnRegisterROIUpdateListener(ViewerBiz3::IROIDrawUpdate* listener);
     // index and result are the caller's variables; each listener may overwrite them.
-    void NotifyROIUpdateListener(std::string cameraId, int x, int y, int width, int height, int operation,
-                                 int& index, bool& result, int extra1, int extra2);
+    void NotifyROIUpdateListener(std::string cameraId, int x, int y, int width, int height, int operation, int& index,
+                                 bool& result, int extra1, int extra2);
 
     int RegisterCorrectionUpdateListener(ViewerBiz3::ICorrectionUpdate* listener);
     int UnRegisterCorrectionUpdateListener(ViewerBiz3::ICorrectionUpdate* listener);

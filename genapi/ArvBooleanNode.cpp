@@ -10,7 +10,8 @@
 
 namespace GenApi_3_4 {
 
-void ArvBooleanNode::SetValue(bool Value, bool Verify) {
+void ArvBooleanNode::SetValue(bool Value, bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (Verify) {
         RequireWritable("SetValue");
@@ -18,18 +19,21 @@ void ArvBooleanNode::SetValue(bool Value, bool Verify) {
     CallArv("SetValue", [&](GError** e) { arv_gc_boolean_set_value(ARV_GC_BOOLEAN(FeatureNode()), Value, e); });
 }
 
-bool ArvBooleanNode::GetValue(bool /*Verify*/, bool IgnoreCache) const {
+bool ArvBooleanNode::GetValue(bool /*Verify*/, bool IgnoreCache) const
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     RequireReadable("GetValue");
     return ReadArv("GetValue", IgnoreCache,
                    [&](GError** e) { return arv_gc_boolean_get_value(ARV_GC_BOOLEAN(FeatureNode()), e); }) != FALSE;
 }
 
-GenICam_3_4::gcstring ArvBooleanNode::ToString(bool Verify, bool IgnoreCache) {
+GenICam_3_4::gcstring ArvBooleanNode::ToString(bool Verify, bool IgnoreCache)
+{
     return GetValue(Verify, IgnoreCache) ? "1" : "0";
 }
 
-void ArvBooleanNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify) {
+void ArvBooleanNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify)
+{
     const char* text = ValueStr.c_str();
     if (strcasecmp(text, "true") == 0 || std::string(text) == "1") {
         SetValue(true, Verify);

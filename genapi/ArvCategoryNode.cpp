@@ -8,7 +8,8 @@
 
 namespace GenApi_3_4 {
 
-void ArvCategoryNode::GetFeatures(FeatureList_t& Features) const {
+void ArvCategoryNode::GetFeatures(FeatureList_t& Features) const
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     Features.clear();
     for (const GSList* feature = arv_gc_category_get_features(ARV_GC_CATEGORY(FeatureNode())); feature != nullptr;

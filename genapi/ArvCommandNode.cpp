@@ -10,7 +10,8 @@
 
 namespace GenApi_3_4 {
 
-EAccessMode ArvCommandNode::OwnAccessMode() const {
+EAccessMode ArvCommandNode::OwnAccessMode() const
+{
     // ArvGc calls a command that writes its own <Value> read-only; GenApi lets it be executed.
     if (!HasPropertyElement("pValue")) {
         const ArvGcAccessMode imposed = arv_gc_feature_node_get_imposed_access_mode(FeatureNode());
@@ -19,7 +20,8 @@ EAccessMode ArvCommandNode::OwnAccessMode() const {
     return ArvNode::OwnAccessMode();
 }
 
-void ArvCommandNode::Execute(bool Verify) {
+void ArvCommandNode::Execute(bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (Verify) {
         RequireWritable("Execute");
@@ -27,7 +29,8 @@ void ArvCommandNode::Execute(bool Verify) {
     CallArv("Execute", [&](GError** e) { arv_gc_command_execute(ARV_GC_COMMAND(FeatureNode()), e); });
 }
 
-int64_t ArvCommandNode::ReadProperty(const char* literalName, const char* pointerName) const {
+int64_t ArvCommandNode::ReadProperty(const char* literalName, const char* pointerName) const
+{
     for (ArvDomNode* child = arv_dom_node_get_first_child(ARV_DOM_NODE(FeatureNode())); child != nullptr;
          child = arv_dom_node_get_next_sibling(child)) {
         const char* tag = arv_dom_node_get_node_name(child);
@@ -41,7 +44,8 @@ int64_t ArvCommandNode::ReadProperty(const char* literalName, const char* pointe
                                               "LogicalErrorException", "IsDone");
 }
 
-bool ArvCommandNode::IsDone(bool Verify) {
+bool ArvCommandNode::IsDone(bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (Verify) {
         RequireWritable("IsDone");

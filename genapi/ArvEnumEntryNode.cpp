@@ -9,18 +9,21 @@
 
 namespace GenApi_3_4 {
 
-int64_t ArvEnumEntryNode::GetValue() {
+int64_t ArvEnumEntryNode::GetValue()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return CallArv("GetValue",
                    [&](GError** e) { return arv_gc_enum_entry_get_value(ARV_GC_ENUM_ENTRY(FeatureNode()), e); });
 }
 
-GenICam_3_4::gcstring ArvEnumEntryNode::GetSymbolic() const {
+GenICam_3_4::gcstring ArvEnumEntryNode::GetSymbolic() const
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return GenICam_3_4::gcstring(arv_gc_feature_node_get_name(FeatureNode()));
 }
 
-double ArvEnumEntryNode::GetNumericValue() {
+double ArvEnumEntryNode::GetNumericValue()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     GenICam_3_4::gcstring numeric;
     GenICam_3_4::gcstring attribute;
@@ -30,13 +33,15 @@ double ArvEnumEntryNode::GetNumericValue() {
     return static_cast<double>(GetValue());
 }
 
-bool ArvEnumEntryNode::IsSelfClearing() {
+bool ArvEnumEntryNode::IsSelfClearing()
+{
     GenICam_3_4::gcstring selfClearing;
     GenICam_3_4::gcstring attribute;
     return GetProperty("IsSelfClearing", selfClearing, attribute) && selfClearing == "Yes";
 }
 
-GenICam_3_4::gcstring ArvEnumEntryNode::ToString(bool /*Verify*/, bool /*IgnoreCache*/) {
+GenICam_3_4::gcstring ArvEnumEntryNode::ToString(bool /*Verify*/, bool /*IgnoreCache*/)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     RequireReadable("ToString");
     return GetSymbolic();

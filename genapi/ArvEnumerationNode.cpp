@@ -11,7 +11,8 @@
 
 namespace GenApi_3_4 {
 
-std::vector<ArvEnumEntryNode*> ArvEnumerationNode::EntryNodes() const {
+std::vector<ArvEnumEntryNode*> ArvEnumerationNode::EntryNodes() const
+{
     std::vector<ArvEnumEntryNode*> entries;
     for (ArvDomNode* child = arv_dom_node_get_first_child(ARV_DOM_NODE(FeatureNode())); child != nullptr;
          child = arv_dom_node_get_next_sibling(child)) {
@@ -22,7 +23,8 @@ std::vector<ArvEnumEntryNode*> ArvEnumerationNode::EntryNodes() const {
     return entries;
 }
 
-void ArvEnumerationNode::GetSymbolics(StringList_t& Symbolics) {
+void ArvEnumerationNode::GetSymbolics(StringList_t& Symbolics)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     Symbolics.clear();
     for (ArvEnumEntryNode* entry : EntryNodes()) {
@@ -32,7 +34,8 @@ void ArvEnumerationNode::GetSymbolics(StringList_t& Symbolics) {
     }
 }
 
-void ArvEnumerationNode::GetEntries(NodeList_t& Entries) {
+void ArvEnumerationNode::GetEntries(NodeList_t& Entries)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     Entries.clear();
     for (ArvEnumEntryNode* entry : EntryNodes()) {
@@ -40,7 +43,8 @@ void ArvEnumerationNode::GetEntries(NodeList_t& Entries) {
     }
 }
 
-void ArvEnumerationNode::SetIntValue(int64_t Value, bool Verify) {
+void ArvEnumerationNode::SetIntValue(int64_t Value, bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (Verify) {
         RequireWritable("SetIntValue");
@@ -59,7 +63,8 @@ void ArvEnumerationNode::SetIntValue(int64_t Value, bool Verify) {
             [&](GError** e) { arv_gc_enumeration_set_int_value(ARV_GC_ENUMERATION(FeatureNode()), Value, e); });
 }
 
-int64_t ArvEnumerationNode::GetIntValue(bool Verify, bool IgnoreCache) {
+int64_t ArvEnumerationNode::GetIntValue(bool Verify, bool IgnoreCache)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     RequireReadable("GetIntValue");
     const int64_t value = ReadArv("GetIntValue", IgnoreCache, [&](GError** e) {
@@ -72,7 +77,8 @@ int64_t ArvEnumerationNode::GetIntValue(bool Verify, bool IgnoreCache) {
     return value;
 }
 
-IEnumEntry* ArvEnumerationNode::GetEntryByName(const GenICam_3_4::gcstring& Symbolic) {
+IEnumEntry* ArvEnumerationNode::GetEntryByName(const GenICam_3_4::gcstring& Symbolic)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     for (ArvEnumEntryNode* entry : EntryNodes()) {
         if (entry->GetSymbolic() == Symbolic) {
@@ -82,7 +88,8 @@ IEnumEntry* ArvEnumerationNode::GetEntryByName(const GenICam_3_4::gcstring& Symb
     return nullptr;
 }
 
-IEnumEntry* ArvEnumerationNode::GetEntry(int64_t IntValue) {
+IEnumEntry* ArvEnumerationNode::GetEntry(int64_t IntValue)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     for (ArvEnumEntryNode* entry : EntryNodes()) {
         if (entry->GetValue() == IntValue) {
@@ -92,12 +99,14 @@ IEnumEntry* ArvEnumerationNode::GetEntry(int64_t IntValue) {
     return nullptr;
 }
 
-IEnumEntry* ArvEnumerationNode::GetCurrentEntry(bool Verify, bool IgnoreCache) {
+IEnumEntry* ArvEnumerationNode::GetCurrentEntry(bool Verify, bool IgnoreCache)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return GetEntry(GetIntValue(Verify, IgnoreCache));
 }
 
-GenICam_3_4::gcstring ArvEnumerationNode::ToString(bool Verify, bool IgnoreCache) {
+GenICam_3_4::gcstring ArvEnumerationNode::ToString(bool Verify, bool IgnoreCache)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     const int64_t value = GetIntValue(Verify, IgnoreCache);
     IEnumEntry* entry = GetEntry(value);
@@ -109,7 +118,8 @@ GenICam_3_4::gcstring ArvEnumerationNode::ToString(bool Verify, bool IgnoreCache
     return entry->GetSymbolic();
 }
 
-void ArvEnumerationNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify) {
+void ArvEnumerationNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (Verify) {
         RequireWritable("FromString");

@@ -19,12 +19,14 @@ namespace GenApi_3_4 {
 
 namespace {
 
-ArvGcFloat* AsArvFloat(ArvGcFeatureNode* featureNode) {
+ArvGcFloat* AsArvFloat(ArvGcFeatureNode* featureNode)
+{
     return ARV_GC_FLOAT(featureNode);
 }
 
 // Shortest text that reads back as the same double.
-std::string FormatDouble(double value) {
+std::string FormatDouble(double value)
+{
     char buffer[40];
     for (int precision = 6; precision <= 17; ++precision) {
         std::snprintf(buffer, sizeof buffer, "%.*g", precision, value);
@@ -37,7 +39,8 @@ std::string FormatDouble(double value) {
 
 } // namespace
 
-void ArvFloatNode::CheckRange(double value, const char* operation) {
+void ArvFloatNode::CheckRange(double value, const char* operation)
+{
     const double min = GetMin();
     const double max = GetMax();
     const auto refuse = [&](const std::string& rule) {
@@ -55,7 +58,8 @@ void ArvFloatNode::CheckRange(double value, const char* operation) {
     }
 }
 
-void ArvFloatNode::SetValue(double Value, bool Verify) {
+void ArvFloatNode::SetValue(double Value, bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (Verify) {
         RequireWritable("SetValue");
@@ -64,7 +68,8 @@ void ArvFloatNode::SetValue(double Value, bool Verify) {
     CallArv("SetValue", [&](GError** e) { arv_gc_float_set_value(AsArvFloat(FeatureNode()), Value, e); });
 }
 
-double ArvFloatNode::GetValue(bool Verify, bool IgnoreCache) {
+double ArvFloatNode::GetValue(bool Verify, bool IgnoreCache)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     RequireReadable("GetValue");
     const double value = ReadArv("GetValue", IgnoreCache,
@@ -75,20 +80,23 @@ double ArvFloatNode::GetValue(bool Verify, bool IgnoreCache) {
     return value;
 }
 
-double ArvFloatNode::GetMin() {
+double ArvFloatNode::GetMin()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     // Nodes without a declared minimum (SwissKnife, Converter) span every double, as in GenApi.
     return CallArvOr<double>("GetMin", -std::numeric_limits<double>::max(),
                              [&](GError** e) { return arv_gc_float_get_min(AsArvFloat(FeatureNode()), e); });
 }
 
-double ArvFloatNode::GetMax() {
+double ArvFloatNode::GetMax()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return CallArvOr<double>("GetMax", std::numeric_limits<double>::max(),
                              [&](GError** e) { return arv_gc_float_get_max(AsArvFloat(FeatureNode()), e); });
 }
 
-bool ArvFloatNode::HasInc() {
+bool ArvFloatNode::HasInc()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     // ArvGc reports the smallest double when no increment is declared, so the documents decide; a value that
     // comes from an integer steps by that integer's increment.
@@ -100,7 +108,8 @@ bool ArvFloatNode::HasInc() {
            dynamic_cast<const IInteger*>(chain.back()) != nullptr;
 }
 
-double ArvFloatNode::GetInc() {
+double ArvFloatNode::GetInc()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (!HasInc()) {
         Throw<GenICam_3_4::RuntimeException>("Node does not have an increment.", "RuntimeException", "GetInc");
@@ -108,21 +117,25 @@ double ArvFloatNode::GetInc() {
     return CallArv("GetInc", [&](GError** e) { return arv_gc_float_get_inc(AsArvFloat(FeatureNode()), e); });
 }
 
-ERepresentation ArvFloatNode::GetRepresentation() {
+ERepresentation ArvFloatNode::GetRepresentation()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return RepresentationAlongValueChain();
 }
 
-GenICam_3_4::gcstring ArvFloatNode::GetUnit() const {
+GenICam_3_4::gcstring ArvFloatNode::GetUnit() const
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return GenICam_3_4::gcstring(arv_gc_float_get_unit(AsArvFloat(FeatureNode())));
 }
 
-GenICam_3_4::gcstring ArvFloatNode::ToString(bool Verify, bool IgnoreCache) {
+GenICam_3_4::gcstring ArvFloatNode::ToString(bool Verify, bool IgnoreCache)
+{
     return FormatDouble(GetValue(Verify, IgnoreCache));
 }
 
-void ArvFloatNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify) {
+void ArvFloatNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify)
+{
     const char* text = ValueStr.c_str();
     char* end = nullptr;
     errno = 0;

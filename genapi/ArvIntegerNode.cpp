@@ -13,13 +13,15 @@ namespace GenApi_3_4 {
 
 namespace {
 
-ArvGcInteger* AsArvInteger(ArvGcFeatureNode* featureNode) {
+ArvGcInteger* AsArvInteger(ArvGcFeatureNode* featureNode)
+{
     return ARV_GC_INTEGER(featureNode);
 }
 
 } // namespace
 
-void ArvIntegerNode::CheckRange(int64_t value, const char* operation) {
+void ArvIntegerNode::CheckRange(int64_t value, const char* operation)
+{
     const int64_t min = GetMin();
     const int64_t max = GetMax();
     const int64_t inc = GetInc();
@@ -40,7 +42,8 @@ void ArvIntegerNode::CheckRange(int64_t value, const char* operation) {
     }
 }
 
-void ArvIntegerNode::SetValue(int64_t Value, bool Verify) {
+void ArvIntegerNode::SetValue(int64_t Value, bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (Verify) {
         RequireWritable("SetValue");
@@ -49,7 +52,8 @@ void ArvIntegerNode::SetValue(int64_t Value, bool Verify) {
     CallArv("SetValue", [&](GError** e) { arv_gc_integer_set_value(AsArvInteger(FeatureNode()), Value, e); });
 }
 
-int64_t ArvIntegerNode::GetValue(bool Verify, bool IgnoreCache) {
+int64_t ArvIntegerNode::GetValue(bool Verify, bool IgnoreCache)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     // GenApi tests readability whatever Verify says; Verify adds the range check of the value read.
     RequireReadable("GetValue");
@@ -61,42 +65,49 @@ int64_t ArvIntegerNode::GetValue(bool Verify, bool IgnoreCache) {
     return value;
 }
 
-int64_t ArvIntegerNode::GetMin() {
+int64_t ArvIntegerNode::GetMin()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     // Nodes without a declared minimum (IntSwissKnife, IntConverter) span the whole 64-bit range, as in GenApi.
     return CallArvOr<int64_t>("GetMin", std::numeric_limits<int64_t>::min(),
                               [&](GError** e) { return arv_gc_integer_get_min(AsArvInteger(FeatureNode()), e); });
 }
 
-int64_t ArvIntegerNode::GetMax() {
+int64_t ArvIntegerNode::GetMax()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return CallArvOr<int64_t>("GetMax", std::numeric_limits<int64_t>::max(),
                               [&](GError** e) { return arv_gc_integer_get_max(AsArvInteger(FeatureNode()), e); });
 }
 
-int64_t ArvIntegerNode::GetInc() {
+int64_t ArvIntegerNode::GetInc()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     const int64_t inc = CallArvOr<int64_t>(
         "GetInc", 1, [&](GError** e) { return arv_gc_integer_get_inc(AsArvInteger(FeatureNode()), e); });
     return inc > 0 ? inc : 1;
 }
 
-ERepresentation ArvIntegerNode::GetRepresentation() {
+ERepresentation ArvIntegerNode::GetRepresentation()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return RepresentationAlongValueChain();
 }
 
-GenICam_3_4::gcstring ArvIntegerNode::GetUnit() const {
+GenICam_3_4::gcstring ArvIntegerNode::GetUnit() const
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return GenICam_3_4::gcstring(arv_gc_integer_get_unit(AsArvInteger(FeatureNode())));
 }
 
-GenICam_3_4::gcstring ArvIntegerNode::ToString(bool Verify, bool IgnoreCache) {
+GenICam_3_4::gcstring ArvIntegerNode::ToString(bool Verify, bool IgnoreCache)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return FormatInteger(GetValue(Verify, IgnoreCache), GetRepresentation());
 }
 
-void ArvIntegerNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify) {
+void ArvIntegerNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     int64_t value = 0;
     if (!ParseInteger(ValueStr, GetRepresentation(), value)) {

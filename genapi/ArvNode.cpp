@@ -15,12 +15,14 @@ namespace GenApi_3_4 {
 
 namespace {
 
-std::string TextOrEmpty(const char* text) {
+std::string TextOrEmpty(const char* text)
+{
     return text != nullptr ? std::string(text) : std::string();
 }
 
 // Text content of a property element such as <pIsAvailable>Flag</pIsAvailable>.
-std::string ElementText(ArvDomNode* element) {
+std::string ElementText(ArvDomNode* element)
+{
     std::string text;
     for (ArvDomNode* child = arv_dom_node_get_first_child(element); child != nullptr;
          child = arv_dom_node_get_next_sibling(child)) {
@@ -31,7 +33,8 @@ std::string ElementText(ArvDomNode* element) {
     return text;
 }
 
-EAccessMode FromArvAccessMode(ArvGcAccessMode mode) {
+EAccessMode FromArvAccessMode(ArvGcAccessMode mode)
+{
     switch (mode) {
     case ARV_GC_ACCESS_MODE_RO:
         return RO;
@@ -45,23 +48,28 @@ EAccessMode FromArvAccessMode(ArvGcAccessMode mode) {
 } // namespace
 
 ArvNode::CacheBypass::CacheBypass(const ArvNode& node, bool active)
-    : m_genicam(active ? node.NodeMap().Genicam() : nullptr), m_savedPolicy(0) {
+    : m_genicam(active ? node.NodeMap().Genicam() : nullptr), m_savedPolicy(0)
+{
     if (m_genicam != nullptr) {
         m_savedPolicy = arv_gc_get_register_cache_policy(m_genicam);
         arv_gc_set_register_cache_policy(m_genicam, ARV_REGISTER_CACHE_POLICY_DISABLE);
     }
 }
 
-ArvNode::CacheBypass::~CacheBypass() {
+ArvNode::CacheBypass::~CacheBypass()
+{
     if (m_genicam != nullptr) {
         arv_gc_set_register_cache_policy(m_genicam, static_cast<ArvRegisterCachePolicy>(m_savedPolicy));
     }
 }
 
 ArvNode::ArvNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* featureNode, std::string name)
-    : m_nodeMap(nodeMap), m_featureNode(featureNode), m_name(std::move(name)) {}
+    : m_nodeMap(nodeMap), m_featureNode(featureNode), m_name(std::move(name))
+{
+}
 
-EAccessMode ArvNode::GetAccessMode() const {
+EAccessMode ArvNode::GetAccessMode() const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     if (!CallArv("GetAccessMode", [&](GError** e) { return arv_gc_feature_node_is_implemented(m_featureNode, e); })) {
         return NI;
@@ -82,11 +90,13 @@ EAccessMode ArvNode::GetAccessMode() const {
     return own;
 }
 
-EAccessMode ArvNode::OwnAccessMode() const {
+EAccessMode ArvNode::OwnAccessMode() const
+{
     return FromArvAccessMode(arv_gc_feature_node_get_actual_access_mode(m_featureNode));
 }
 
-GenICam_3_4::gcstring ArvNode::GetName(bool FullQualified) const {
+GenICam_3_4::gcstring ArvNode::GetName(bool FullQualified) const
+{
     if (!FullQualified) {
         return m_name;
     }
@@ -95,7 +105,8 @@ GenICam_3_4::gcstring ArvNode::GetName(bool FullQualified) const {
     return (standard ? "Std::" : "Cust::") + m_name;
 }
 
-EInterfaceType ArvNode::GetPrincipalInterfaceType() const {
+EInterfaceType ArvNode::GetPrincipalInterfaceType() const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     // An ArvGc enumeration also implements Aravis's integer and string interfaces, and an IntReg its register
     // interface, so the order of these tests decides the GenApi interface.
@@ -133,7 +144,8 @@ EInterfaceType ArvNode::GetPrincipalInterfaceType() const {
 }
 
 bool ArvNode::GetProperty(const GenICam_3_4::gcstring& PropertyName, GenICam_3_4::gcstring& ValueStr,
-                          GenICam_3_4::gcstring& AttributeStr) const {
+                          GenICam_3_4::gcstring& AttributeStr) const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     const std::string wanted = PropertyName;
     std::string joined;
@@ -153,13 +165,15 @@ bool ArvNode::GetProperty(const GenICam_3_4::gcstring& PropertyName, GenICam_3_4
     return found;
 }
 
-bool ArvNode::HasPropertyElement(const char* propertyName) const {
+bool ArvNode::HasPropertyElement(const char* propertyName) const
+{
     GenICam_3_4::gcstring value;
     GenICam_3_4::gcstring attribute;
     return GetProperty(propertyName, value, attribute);
 }
 
-std::vector<const ArvNode*> ArvNode::ValueChain() const {
+std::vector<const ArvNode*> ArvNode::ValueChain() const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     std::vector<const ArvNode*> chain{this};
     for (;;) {
@@ -178,7 +192,8 @@ std::vector<const ArvNode*> ArvNode::ValueChain() const {
     }
 }
 
-ERepresentation ArvNode::RepresentationAlongValueChain() const {
+ERepresentation ArvNode::RepresentationAlongValueChain() const
+{
     for (const ArvNode* node : ValueChain()) {
         const ERepresentation declared = DeclaredRepresentation(node->m_featureNode);
         if (declared != _UndefinedRepresentation) {
@@ -188,24 +203,28 @@ ERepresentation ArvNode::RepresentationAlongValueChain() const {
     return PureNumber;
 }
 
-GenICam_3_4::gcstring ArvNode::GetDisplayName() const {
+GenICam_3_4::gcstring ArvNode::GetDisplayName() const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     const char* displayName = arv_gc_feature_node_get_display_name(m_featureNode);
     return displayName != nullptr && *displayName != '\0' ? GenICam_3_4::gcstring(displayName)
                                                           : GenICam_3_4::gcstring(m_name);
 }
 
-GenICam_3_4::gcstring ArvNode::GetToolTip() const {
+GenICam_3_4::gcstring ArvNode::GetToolTip() const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     return TextOrEmpty(arv_gc_feature_node_get_tooltip(m_featureNode));
 }
 
-GenICam_3_4::gcstring ArvNode::GetDescription() const {
+GenICam_3_4::gcstring ArvNode::GetDescription() const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     return TextOrEmpty(arv_gc_feature_node_get_description(m_featureNode));
 }
 
-EVisibility ArvNode::GetVisibility() const {
+EVisibility ArvNode::GetVisibility() const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     switch (arv_gc_feature_node_get_visibility(m_featureNode)) {
     case ARV_GC_VISIBILITY_INVISIBLE:
@@ -219,11 +238,13 @@ EVisibility ArvNode::GetVisibility() const {
     }
 }
 
-bool ArvNode::IsFeature() const {
+bool ArvNode::IsFeature() const
+{
     return m_nodeMap.IsFeatureName(m_name);
 }
 
-void ArvNode::GetChildren(NodeList_t& Children) const {
+void ArvNode::GetChildren(NodeList_t& Children) const
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     Children.clear();
     std::set<INode*> seen;
@@ -244,26 +265,31 @@ void ArvNode::GetChildren(NodeList_t& Children) const {
     }
 }
 
-INodeMap* ArvNode::GetNodeMap() const {
+INodeMap* ArvNode::GetNodeMap() const
+{
     return &m_nodeMap;
 }
 
-GenICam_3_4::gcstring ArvNode::GetDeviceName() const {
+GenICam_3_4::gcstring ArvNode::GetDeviceName() const
+{
     return m_nodeMap.GetDeviceName();
 }
 
-INode* ArvNode::GetNode() {
+INode* ArvNode::GetNode()
+{
     return this;
 }
 
-GenICam_3_4::gcstring ArvNode::ToString(bool /*Verify*/, bool IgnoreCache) {
+GenICam_3_4::gcstring ArvNode::ToString(bool /*Verify*/, bool IgnoreCache)
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     RequireReadable("ToString");
     return TextOrEmpty(ReadArv("ToString", IgnoreCache,
                                [&](GError** e) { return arv_gc_feature_node_get_value_as_string(m_featureNode, e); }));
 }
 
-void ArvNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify) {
+void ArvNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify)
+{
     const ArvNodeMap::Lock lock(m_nodeMap.Mutex());
     if (Verify) {
         RequireWritable("FromString");
@@ -272,13 +298,15 @@ void ArvNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify) {
             [&](GError** e) { arv_gc_feature_node_set_value_from_string(m_featureNode, ValueStr.c_str(), e); });
 }
 
-void ArvNode::RequireReadable(const char* operation) const {
+void ArvNode::RequireReadable(const char* operation) const
+{
     if (!IsReadable(GetAccessMode())) {
         Throw<GenICam_3_4::AccessException>("Node is not readable.", "AccessException", operation);
     }
 }
 
-void ArvNode::RequireWritable(const char* operation) const {
+void ArvNode::RequireWritable(const char* operation) const
+{
     if (!IsWritable(GetAccessMode())) {
         Throw<GenICam_3_4::AccessException>("Node is not writable.", "AccessException", operation);
     }

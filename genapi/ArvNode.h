@@ -65,12 +65,15 @@ protected:
     void RequireWritable(const char* operation) const;
 
     template <class Exception>
-    [[noreturn]] void Throw(const std::string& text, const char* exceptionName, const char* operation) const {
+    [[noreturn]] void Throw(const std::string& text, const char* exceptionName, const char* operation) const
+    {
         ThrowNodeError<Exception>(text, exceptionName, m_name, operation);
     }
 
     // Runs an Aravis call taking a trailing GError** and turns a reported error into a GenICam exception.
-    template <class Call> auto CallArv(const char* operation, Call call) const {
+    template <class Call>
+    auto CallArv(const char* operation, Call call) const
+    {
         GError* error = nullptr;
         if constexpr (std::is_void_v<decltype(call(&error))>) {
             call(&error);
@@ -87,7 +90,9 @@ protected:
     }
 
     // As CallArv, giving fallback when the call only fails because the property it evaluates is not declared.
-    template <class T, class Call> T CallArvOr(const char* operation, T fallback, Call call) const {
+    template <class T, class Call>
+    T CallArvOr(const char* operation, T fallback, Call call) const
+    {
         GError* error = nullptr;
         const T result = call(&error);
         if (error == nullptr) {
@@ -100,7 +105,9 @@ protected:
     }
 
     // As CallArv, with the register cache switched off for the call when ignoreCache is set.
-    template <class Call> auto ReadArv(const char* operation, bool ignoreCache, Call call) const {
+    template <class Call>
+    auto ReadArv(const char* operation, bool ignoreCache, Call call) const
+    {
         const CacheBypass bypass(*this, ignoreCache);
         return CallArv(operation, call);
     }

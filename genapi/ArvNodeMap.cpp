@@ -23,7 +23,8 @@ namespace {
 const char* const kEnumEntryPrefix = "EnumEntry_";
 
 // Several node maps may wrap the same ArvGc (a device opened twice by the SDK layer); they must share one lock.
-std::shared_ptr<std::recursive_mutex> MutexForGenicam(ArvGc* genicam) {
+std::shared_ptr<std::recursive_mutex> MutexForGenicam(ArvGc* genicam)
+{
     static std::mutex registryMutex;
     static std::map<ArvGc*, std::weak_ptr<std::recursive_mutex>> registry;
     const std::lock_guard<std::mutex> lock(registryMutex);
@@ -39,7 +40,8 @@ std::shared_ptr<std::recursive_mutex> MutexForGenicam(ArvGc* genicam) {
 }
 
 // GenApi names an enumeration's entries "EnumEntry_<enumeration>_<symbolic>"; ArvGc does not register them.
-std::string EnumEntryName(ArvGcFeatureNode* entry) {
+std::string EnumEntryName(ArvGcFeatureNode* entry)
+{
     ArvDomNode* parent = arv_dom_node_get_parent_node(ARV_DOM_NODE(entry));
     const char* enumerationName = parent != nullptr && ARV_IS_GC_FEATURE_NODE(parent)
                                       ? arv_gc_feature_node_get_name(ARV_GC_FEATURE_NODE(parent))
@@ -49,7 +51,8 @@ std::string EnumEntryName(ArvGcFeatureNode* entry) {
            (symbolic != nullptr ? symbolic : "");
 }
 
-std::string NodeName(ArvGcFeatureNode* featureNode) {
+std::string NodeName(ArvGcFeatureNode* featureNode)
+{
     if (ARV_IS_GC_ENUM_ENTRY(featureNode)) {
         return EnumEntryName(featureNode);
     }
@@ -58,7 +61,8 @@ std::string NodeName(ArvGcFeatureNode* featureNode) {
 }
 
 // Every feature node of the document (enumeration entries and structure entries included), in document order.
-void CollectFeatureNodes(ArvDomNode* parent, std::vector<ArvGcFeatureNode*>& found) {
+void CollectFeatureNodes(ArvDomNode* parent, std::vector<ArvGcFeatureNode*>& found)
+{
     for (ArvDomNode* child = arv_dom_node_get_first_child(parent); child != nullptr;
          child = arv_dom_node_get_next_sibling(child)) {
         if (ARV_IS_GC_FEATURE_NODE(child)) {
@@ -68,7 +72,8 @@ void CollectFeatureNodes(ArvDomNode* parent, std::vector<ArvGcFeatureNode*>& fou
     }
 }
 
-std::vector<ArvGcFeatureNode*> AllFeatureNodes(ArvGc* genicam) {
+std::vector<ArvGcFeatureNode*> AllFeatureNodes(ArvGc* genicam)
+{
     std::vector<ArvGcFeatureNode*> found;
     ArvDomElement* root = arv_dom_document_get_document_element(ARV_DOM_DOCUMENT(genicam));
     if (root != nullptr) {
@@ -79,14 +84,16 @@ std::vector<ArvGcFeatureNode*> AllFeatureNodes(ArvGc* genicam) {
 
 // Register-backed nodes offer the raw bytes beside their typed interface.
 template <class ValueNode>
-std::unique_ptr<ArvNode> MakeValueNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* featureNode, std::string name) {
+std::unique_ptr<ArvNode> MakeValueNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* featureNode, std::string name)
+{
     if (ARV_IS_GC_REGISTER(featureNode)) {
         return std::make_unique<ArvRegisterNode<ValueNode>>(nodeMap, featureNode, std::move(name));
     }
     return std::make_unique<ValueNode>(nodeMap, featureNode, std::move(name));
 }
 
-std::unique_ptr<ArvNode> MakeNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* featureNode, std::string name) {
+std::unique_ptr<ArvNode> MakeNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* featureNode, std::string name)
+{
     // Same order as ArvNode::GetPrincipalInterfaceType: an ArvGc enumeration also passes the integer test.
     if (ARV_IS_GC_ENUMERATION(featureNode)) {
         return std::make_unique<ArvEnumerationNode>(nodeMap, featureNode, std::move(name));
@@ -123,9 +130,12 @@ std::unique_ptr<ArvNode> MakeNode(ArvNodeMap& nodeMap, ArvGcFeatureNode* feature
 ArvNodeMap::ArvNodeMap(ArvGc* genicam, ArvDevice* device, std::string deviceName)
     : m_genicam(ARV_GC(g_object_ref(genicam))),
       m_device(device != nullptr ? ARV_DEVICE(g_object_ref(device)) : nullptr), m_deviceName(std::move(deviceName)),
-      m_mutex(MutexForGenicam(genicam)) {}
+      m_mutex(MutexForGenicam(genicam))
+{
+}
 
-ArvNodeMap::~ArvNodeMap() {
+ArvNodeMap::~ArvNodeMap()
+{
     {
         const Lock lock(*m_mutex);
         m_nodes.clear();
@@ -136,7 +146,8 @@ ArvNodeMap::~ArvNodeMap() {
     }
 }
 
-INode* ArvNodeMap::GetNode(const GenICam_3_4::gcstring& Name) const {
+INode* ArvNodeMap::GetNode(const GenICam_3_4::gcstring& Name) const
+{
     const Lock lock(*m_mutex);
     const std::string name = Name;
     const auto known = m_nodes.find(name);
@@ -151,7 +162,8 @@ INode* ArvNodeMap::GetNode(const GenICam_3_4::gcstring& Name) const {
     return entry != nullptr ? NodeFor(entry) : nullptr;
 }
 
-ArvGcFeatureNode* ArvNodeMap::FindEnumEntry(const std::string& fullName) const {
+ArvGcFeatureNode* ArvNodeMap::FindEnumEntry(const std::string& fullName) const
+{
     if (fullName.compare(0, std::char_traits<char>::length(kEnumEntryPrefix), kEnumEntryPrefix) != 0) {
         return nullptr;
     }
@@ -163,7 +175,8 @@ ArvGcFeatureNode* ArvNodeMap::FindEnumEntry(const std::string& fullName) const {
     return nullptr;
 }
 
-ArvNode* ArvNodeMap::NodeFor(ArvGcFeatureNode* featureNode) const {
+ArvNode* ArvNodeMap::NodeFor(ArvGcFeatureNode* featureNode) const
+{
     const Lock lock(*m_mutex);
     std::string name = NodeName(featureNode);
     auto& slot = m_nodes[name];
@@ -173,7 +186,8 @@ ArvNode* ArvNodeMap::NodeFor(ArvGcFeatureNode* featureNode) const {
     return slot.get();
 }
 
-void ArvNodeMap::GetNodes(NodeList_t& Nodes) const {
+void ArvNodeMap::GetNodes(NodeList_t& Nodes) const
+{
     const Lock lock(*m_mutex);
     Nodes.clear();
     for (ArvGcFeatureNode* featureNode : AllFeatureNodes(m_genicam)) {
@@ -181,11 +195,13 @@ void ArvNodeMap::GetNodes(NodeList_t& Nodes) const {
     }
 }
 
-GenICam_3_4::gcstring ArvNodeMap::GetDeviceName() {
+GenICam_3_4::gcstring ArvNodeMap::GetDeviceName()
+{
     return m_deviceName;
 }
 
-bool ArvNodeMap::IsFeatureName(const std::string& name) const {
+bool ArvNodeMap::IsFeatureName(const std::string& name) const
+{
     const Lock lock(*m_mutex);
     if (!m_featureNames) {
         // The category tree is fixed by the document, so it is walked once.

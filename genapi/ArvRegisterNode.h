@@ -8,7 +8,8 @@ namespace GenApi_3_4 {
 // A node over device memory: the typed interface of ValueNode (ArvNode for a plain Register, ArvIntegerNode,
 // ArvFloatNode or ArvStringNode for IntReg, MaskedIntReg, StructEntry, FloatReg, StringReg) plus the register's
 // raw bytes, as GenApi offers both on these nodes.
-template <class ValueNode> class ArvRegisterNode final : public ValueNode, public virtual IRegister {
+template <class ValueNode>
+class ArvRegisterNode final : public ValueNode, public virtual IRegister {
 public:
     using ValueNode::ValueNode;
 

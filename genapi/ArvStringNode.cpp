@@ -9,7 +9,8 @@
 
 namespace GenApi_3_4 {
 
-void ArvStringNode::SetValue(const GenICam_3_4::gcstring& Value, bool Verify) {
+void ArvStringNode::SetValue(const GenICam_3_4::gcstring& Value, bool Verify)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     if (Verify) {
         RequireWritable("SetValue");
@@ -24,24 +25,28 @@ void ArvStringNode::SetValue(const GenICam_3_4::gcstring& Value, bool Verify) {
     CallArv("SetValue", [&](GError** e) { arv_gc_string_set_value(ARV_GC_STRING(FeatureNode()), Value.c_str(), e); });
 }
 
-GenICam_3_4::gcstring ArvStringNode::GetValue(bool /*Verify*/, bool IgnoreCache) {
+GenICam_3_4::gcstring ArvStringNode::GetValue(bool /*Verify*/, bool IgnoreCache)
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     RequireReadable("GetValue");
     return GenICam_3_4::gcstring(ReadArv(
         "GetValue", IgnoreCache, [&](GError** e) { return arv_gc_string_get_value(ARV_GC_STRING(FeatureNode()), e); }));
 }
 
-int64_t ArvStringNode::GetMaxLength() {
+int64_t ArvStringNode::GetMaxLength()
+{
     const ArvNodeMap::Lock lock(NodeMap().Mutex());
     return CallArv("GetMaxLength",
                    [&](GError** e) { return arv_gc_string_get_max_length(ARV_GC_STRING(FeatureNode()), e); });
 }
 
-GenICam_3_4::gcstring ArvStringNode::ToString(bool Verify, bool IgnoreCache) {
+GenICam_3_4::gcstring ArvStringNode::ToString(bool Verify, bool IgnoreCache)
+{
     return GetValue(Verify, IgnoreCache);
 }
 
-void ArvStringNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify) {
+void ArvStringNode::FromString(const GenICam_3_4::gcstring& ValueStr, bool Verify)
+{
     SetValue(ValueStr, Verify);
 }
 

@@ -10,7 +10,9 @@ class GenericException : public std::exception {
 public:
     explicit GenericException(std::string description, const char* sourceFile = "", unsigned int sourceLine = 0)
         : m_description(std::move(description)), m_sourceFile(sourceFile != nullptr ? sourceFile : ""),
-          m_sourceLine(sourceLine) {}
+          m_sourceLine(sourceLine)
+    {
+    }
 
     const char* GetDescription() const noexcept { return m_description.c_str(); }
     const char* GetSourceFileName() const noexcept { return m_sourceFile.c_str(); }

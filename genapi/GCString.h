@@ -11,8 +11,9 @@ class gcstring {
 public:
     gcstring() = default;
     gcstring(const char* text) : m_text(text != nullptr ? text : "") {}
-    gcstring(const char* text, std::size_t length)
-        : m_text(text != nullptr ? std::string(text, length) : std::string()) {}
+    gcstring(const char* text, std::size_t length) : m_text(text != nullptr ? std::string(text, length) : std::string())
+    {
+    }
     gcstring(std::string text) : m_text(std::move(text)) {}
 
     const char* c_str() const { return m_text.c_str(); }
@@ -22,11 +23,13 @@ public:
     operator std::string() const { return m_text; }
     const std::string& str() const { return m_text; }
 
-    gcstring& operator+=(const gcstring& other) {
+    gcstring& operator+=(const gcstring& other)
+    {
         m_text += other.m_text;
         return *this;
     }
-    friend gcstring operator+(const gcstring& left, const gcstring& right) {
+    friend gcstring operator+(const gcstring& left, const gcstring& right)
+    {
         return gcstring(left.m_text + right.m_text);
     }
     friend bool operator==(const gcstring& left, const gcstring& right) { return left.m_text == right.m_text; }

@@ -2,7 +2,8 @@
 
 namespace GenApi_3_4 {
 
-std::unique_lock<std::mutex> LockGenicamParsing() {
+std::unique_lock<std::mutex> LockGenicamParsing()
+{
     static std::mutex parsing;
     return std::unique_lock<std::mutex>(parsing);
 }

@@ -20,7 +20,8 @@ struct IEnumeration : virtual public IValue {
     virtual IEnumEntry* GetEntry(int64_t IntValue) = 0;
     virtual IEnumEntry* GetCurrentEntry(bool Verify = false, bool IgnoreCache = false) = 0;
 
-    IEnumeration& operator=(const GenICam_3_4::gcstring& Symbolic) {
+    IEnumeration& operator=(const GenICam_3_4::gcstring& Symbolic)
+    {
         FromString(Symbolic);
         return *this;
     }

@@ -18,7 +18,8 @@ struct IFloat : virtual public IValue {
     virtual ERepresentation GetRepresentation() = 0;
     virtual GenICam_3_4::gcstring GetUnit() const = 0;
 
-    IFloat& operator=(double Value) {
+    IFloat& operator=(double Value)
+    {
         SetValue(Value);
         return *this;
     }

@@ -21,7 +21,8 @@ struct IInteger : virtual public IValue {
     virtual ERepresentation GetRepresentation() = 0;
     virtual GenICam_3_4::gcstring GetUnit() const = 0;
 
-    IInteger& operator=(int64_t Value) {
+    IInteger& operator=(int64_t Value)
+    {
         SetValue(Value);
         return *this;
     }

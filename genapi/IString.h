@@ -11,7 +11,8 @@ struct IString : virtual public IValue {
     virtual GenICam_3_4::gcstring GetValue(bool Verify = false, bool IgnoreCache = false) = 0;
     virtual int64_t GetMaxLength() = 0;
 
-    IString& operator=(const GenICam_3_4::gcstring& Value) {
+    IString& operator=(const GenICam_3_4::gcstring& Value)
+    {
         SetValue(Value);
         return *this;
     }

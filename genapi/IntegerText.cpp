@@ -11,14 +11,16 @@ namespace GenApi_3_4 {
 
 namespace {
 
-bool AllDigits(const std::string& text, int base) {
+bool AllDigits(const std::string& text, int base)
+{
     return !text.empty() && std::all_of(text.begin(), text.end(), [base](char c) {
-               return base == 16 ? std::isxdigit(static_cast<unsigned char>(c)) != 0
-                                 : std::isdigit(static_cast<unsigned char>(c)) != 0;
-           });
+        return base == 16 ? std::isxdigit(static_cast<unsigned char>(c)) != 0
+                          : std::isdigit(static_cast<unsigned char>(c)) != 0;
+    });
 }
 
-bool ParseDecimal(const std::string& text, int64_t& value) {
+bool ParseDecimal(const std::string& text, int64_t& value)
+{
     char* end = nullptr;
     errno = 0;
     const long long parsed = std::strtoll(text.c_str(), &end, 10);
@@ -30,7 +32,8 @@ bool ParseDecimal(const std::string& text, int64_t& value) {
 }
 
 // Up to 64 bits; above INT64_MAX the bits are kept, so that ToString of a negative value reads back.
-bool ParseHexadecimal(const std::string& digits, uint64_t& bits) {
+bool ParseHexadecimal(const std::string& digits, uint64_t& bits)
+{
     if (!AllDigits(digits, 16) || digits.size() > 16) {
         return false;
     }
@@ -39,7 +42,8 @@ bool ParseHexadecimal(const std::string& digits, uint64_t& bits) {
 }
 
 // count bytes written as numbers in base, separated by separator, most significant first.
-bool ParseByteGroups(const std::string& text, char separator, int count, int base, uint64_t& bits) {
+bool ParseByteGroups(const std::string& text, char separator, int count, int base, uint64_t& bits)
+{
     bits = 0;
     std::size_t start = 0;
     for (int group = 0; group < count; ++group) {
@@ -62,13 +66,15 @@ bool ParseByteGroups(const std::string& text, char separator, int count, int bas
     return true;
 }
 
-unsigned ByteOf(uint64_t bits, int index) {
+unsigned ByteOf(uint64_t bits, int index)
+{
     return static_cast<unsigned>((bits >> (8 * index)) & 0xFF);
 }
 
 } // namespace
 
-std::string FormatInteger(int64_t value, ERepresentation representation) {
+std::string FormatInteger(int64_t value, ERepresentation representation)
+{
     const auto bits = static_cast<uint64_t>(value);
     char text[32];
     switch (representation) {
@@ -88,7 +94,8 @@ std::string FormatInteger(int64_t value, ERepresentation representation) {
     }
 }
 
-bool ParseInteger(const std::string& text, ERepresentation representation, int64_t& value) {
+bool ParseInteger(const std::string& text, ERepresentation representation, int64_t& value)
+{
     uint64_t bits = 0;
     bool parsed = false;
     if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {

@@ -7,12 +7,14 @@
 namespace GenApi_3_4 {
 
 std::string DescribeNodeError(const std::string& text, const char* exceptionName, const std::string& nodeName,
-                              const char* operation) {
+                              const char* operation)
+{
     return text + " : " + exceptionName + " thrown in node '" + nodeName + "' while calling '" + nodeName + "." +
            operation + "()'";
 }
 
-bool ConsumeUndefinedPropertyError(GError* error) {
+bool ConsumeUndefinedPropertyError(GError* error)
+{
     if (error->domain == ARV_GC_ERROR && error->code == ARV_GC_ERROR_PROPERTY_NOT_DEFINED) {
         g_error_free(error);
         return true;
@@ -20,7 +22,8 @@ bool ConsumeUndefinedPropertyError(GError* error) {
     return false;
 }
 
-void ThrowForGError(GError* error, const std::string& nodeName, const char* operation) {
+void ThrowForGError(GError* error, const std::string& nodeName, const char* operation)
+{
     const std::string text = error->message != nullptr ? error->message : "Unknown error";
     const GQuark domain = error->domain;
     const int code = error->code;

@@ -13,7 +13,8 @@ std::string DescribeNodeError(const std::string& text, const char* exceptionName
 
 template <class Exception>
 [[noreturn]] void ThrowNodeError(const std::string& text, const char* exceptionName, const std::string& nodeName,
-                                 const char* operation) {
+                                 const char* operation)
+{
     throw Exception(DescribeNodeError(text, exceptionName, nodeName, operation));
 }
 

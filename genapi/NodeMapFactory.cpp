@@ -11,7 +11,8 @@ namespace {
 
 // ArvGc's parser keeps whatever it read before a syntax error, so a truncated document would load
 // silently; GLib's strict markup parser tells us whether the whole document is well formed.
-void RequireWellFormed(const std::string& genicamXml, const std::string& deviceName) {
+void RequireWellFormed(const std::string& genicamXml, const std::string& deviceName)
+{
     static const char kByteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t start = genicamXml.compare(0, 3, kByteOrderMark) == 0 ? 3 : 0;
     const GMarkupParser noCallbacks{};
@@ -32,7 +33,8 @@ void RequireWellFormed(const std::string& genicamXml, const std::string& deviceN
 
 } // namespace
 
-std::unique_ptr<INodeMap> CreateNodeMapFromXml(const std::string& genicamXml, const std::string& deviceName) {
+std::unique_ptr<INodeMap> CreateNodeMapFromXml(const std::string& genicamXml, const std::string& deviceName)
+{
     RequireWellFormed(genicamXml, deviceName);
     ArvGc* genicam = nullptr;
     {
@@ -52,7 +54,8 @@ std::unique_ptr<INodeMap> CreateNodeMapFromXml(const std::string& genicamXml, co
     return nodeMap;
 }
 
-std::unique_ptr<INodeMap> CreateNodeMapForDevice(ArvDevice* device) {
+std::unique_ptr<INodeMap> CreateNodeMapForDevice(ArvDevice* device)
+{
     if (device == nullptr) {
         throw GenICam_3_4::LogicalErrorException("No device to build a node map for.");
     }

@@ -18,13 +18,15 @@ namespace GenApi_3_4 {
 
 // Smart pointer that casts a node to one of its interfaces; empty when the node does not offer it.
 // It owns nothing: the node map owns the node.
-template <class T, class B = IBase> class CPointer {
+template <class T, class B = IBase>
+class CPointer {
 public:
     CPointer() noexcept : m_pT(nullptr) {}
     CPointer(B* pB) : m_pT(dynamic_cast<T*>(pB)) {}
     virtual ~CPointer() = default;
 
-    CPointer& operator=(B* pB) {
+    CPointer& operator=(B* pB)
+    {
         m_pT = dynamic_cast<T*>(pB);
         return *this;
     }
@@ -42,7 +44,8 @@ public:
     bool operator!=(const CPointer& other) const { return m_pT != other.m_pT; }
 
 protected:
-    T* Checked() const {
+    T* Checked() const
+    {
         if (m_pT == nullptr) {
             throw GenICam_3_4::LogicalErrorException("NULL pointer dereferenced", __FILE__, __LINE__);
         }
@@ -64,42 +67,58 @@ using CEnumEntryPtr = CPointer<IEnumEntry>;
 using CCategoryPtr = CPointer<ICategory>;
 using CRegisterPtr = CPointer<IRegister>;
 
-inline bool IsReadable(EAccessMode AccessMode) {
+inline bool IsReadable(EAccessMode AccessMode)
+{
     return AccessMode == RO || AccessMode == RW;
 }
-inline bool IsWritable(EAccessMode AccessMode) {
+inline bool IsWritable(EAccessMode AccessMode)
+{
     return AccessMode == WO || AccessMode == RW;
 }
-inline bool IsImplemented(EAccessMode AccessMode) {
+inline bool IsImplemented(EAccessMode AccessMode)
+{
     return AccessMode != NI;
 }
-inline bool IsAvailable(EAccessMode AccessMode) {
+inline bool IsAvailable(EAccessMode AccessMode)
+{
     return AccessMode != NI && AccessMode != NA;
 }
 
-inline bool IsReadable(const IBase* p) {
+inline bool IsReadable(const IBase* p)
+{
     return p != nullptr && IsReadable(p->GetAccessMode());
 }
-inline bool IsWritable(const IBase* p) {
+inline bool IsWritable(const IBase* p)
+{
     return p != nullptr && IsWritable(p->GetAccessMode());
 }
-inline bool IsImplemented(const IBase* p) {
+inline bool IsImplemented(const IBase* p)
+{
     return p != nullptr && IsImplemented(p->GetAccessMode());
 }
-inline bool IsAvailable(const IBase* p) {
+inline bool IsAvailable(const IBase* p)
+{
     return p != nullptr && IsAvailable(p->GetAccessMode());
 }
 
-template <class T, class B> inline bool IsReadable(const CPointer<T, B>& ptr) {
+template <class T, class B>
+inline bool IsReadable(const CPointer<T, B>& ptr)
+{
     return ptr.IsValid() && IsReadable(ptr->GetAccessMode());
 }
-template <class T, class B> inline bool IsWritable(const CPointer<T, B>& ptr) {
+template <class T, class B>
+inline bool IsWritable(const CPointer<T, B>& ptr)
+{
     return ptr.IsValid() && IsWritable(ptr->GetAccessMode());
 }
-template <class T, class B> inline bool IsImplemented(const CPointer<T, B>& ptr) {
+template <class T, class B>
+inline bool IsImplemented(const CPointer<T, B>& ptr)
+{
     return ptr.IsValid() && IsImplemented(ptr->GetAccessMode());
 }
-template <class T, class B> inline bool IsAvailable(const CPointer<T, B>& ptr) {
+template <class T, class B>
+inline bool IsAvailable(const CPointer<T, B>& ptr)
+{
     return ptr.IsValid() && IsAvailable(ptr->GetAccessMode());
 }
 

@@ -6,7 +6,8 @@ namespace GenApi_3_4 {
 
 namespace {
 
-ERepresentation RepresentationFromArv(ArvGcRepresentation arvRepresentation) {
+ERepresentation RepresentationFromArv(ArvGcRepresentation arvRepresentation)
+{
     switch (arvRepresentation) {
     case ARV_GC_REPRESENTATION_LINEAR:
         return Linear;
@@ -29,7 +30,8 @@ ERepresentation RepresentationFromArv(ArvGcRepresentation arvRepresentation) {
 
 } // namespace
 
-ERepresentation DeclaredRepresentation(ArvGcFeatureNode* featureNode) {
+ERepresentation DeclaredRepresentation(ArvGcFeatureNode* featureNode)
+{
     if (ARV_IS_GC_INTEGER(featureNode)) {
         return RepresentationFromArv(arv_gc_integer_get_representation(ARV_GC_INTEGER(featureNode)));
     }

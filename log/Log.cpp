@@ -28,17 +28,35 @@ struct LevelRecord {
     int notifyingLine;
 };
 
-constexpr LevelRecord debugLevel{spdlog::level::debug, "DEBUG", "Debug",
-                                 "void Utilities::LogDebug(const std::string &, const std::string &, int)", 742, 746};
-constexpr LevelRecord infoLevel{spdlog::level::info, "INFO ", "Info",
-                                "void Utilities::LogInfo(const std::string &, const std::string &, int)", 755, 759};
-constexpr LevelRecord warningLevel{spdlog::level::warn, "WARN ", "Warning",
-                                   "void Utilities::LogWarning(const std::string &, const std::string &, int)", 768,
+constexpr LevelRecord debugLevel{spdlog::level::debug,
+                                 "DEBUG",
+                                 "Debug",
+                                 "void Utilities::LogDebug(const std::string &, const std::string &, int)",
+                                 742,
+                                 746};
+constexpr LevelRecord infoLevel{spdlog::level::info,
+                                "INFO ",
+                                "Info",
+                                "void Utilities::LogInfo(const std::string &, const std::string &, int)",
+                                755,
+                                759};
+constexpr LevelRecord warningLevel{spdlog::level::warn,
+                                   "WARN ",
+                                   "Warning",
+                                   "void Utilities::LogWarning(const std::string &, const std::string &, int)",
+                                   768,
                                    772};
-constexpr LevelRecord errorLevel{spdlog::level::err, "ERROR", "Error",
-                                 "void Utilities::LogError(const std::string &, const std::string &, int)", 781, 785};
-constexpr LevelRecord deadlyLevel{spdlog::level::critical, "FATAL", "Deadly",
-                                  "void Utilities::LogDeadly(const std::string &, const std::string &, int)", 794,
+constexpr LevelRecord errorLevel{spdlog::level::err,
+                                 "ERROR",
+                                 "Error",
+                                 "void Utilities::LogError(const std::string &, const std::string &, int)",
+                                 781,
+                                 785};
+constexpr LevelRecord deadlyLevel{spdlog::level::critical,
+                                  "FATAL",
+                                  "Deadly",
+                                  "void Utilities::LogDeadly(const std::string &, const std::string &, int)",
+                                  794,
                                   798};
 
 constexpr std::size_t olderLogFiles = 19; // plus the current file: 20 at most
@@ -115,8 +133,7 @@ void Log(const LevelRecord& level, const std::string& source, const std::string&
     if (logger && logger->should_log(level.severity)) {
         const std::string record = "source = " + source + ", message = " + message;
         const int line = notify != 0 ? level.notifyingLine : level.quietLine;
-        logger->log(spdlog::source_loc{__FILE__, line, level.function}, level.severity,
-                    spdlog::string_view_t(record));
+        logger->log(spdlog::source_loc{__FILE__, line, level.function}, level.severity, spdlog::string_view_t(record));
     }
     if (notify != 0) {
         m_event.NotifyLoggerUpdateListener(source, level.word, message);

@@ -19,7 +19,8 @@ const char* const kUnsupportedType = "Unsupported type";
 const char* const kAvailabilityFailed = "Get pIsAvailable failed!";
 
 // The named node; null with NODE_MAP_MISSING or NODE_MISSING in failure and the message set.
-INode* LookUpNode(INodeMap* nodeMap, const std::string& name, std::string& message, int& failure) {
+INode* LookUpNode(INodeMap* nodeMap, const std::string& name, std::string& message, int& failure)
+{
     if (nodeMap == nullptr) {
         message = kNodeMapNull;
         failure = NODE_MAP_MISSING;
@@ -35,7 +36,9 @@ INode* LookUpNode(INodeMap* nodeMap, const std::string& name, std::string& messa
 
 // Runs the part of a node operation that follows a successful lookup: GenICam exceptions become
 // NODE_GENICAM_ERROR with their description, anything else NODE_UNEXPECTED_ERROR.
-template <class Operation> int Guarded(std::string& message, Operation operation) {
+template <class Operation>
+int Guarded(std::string& message, Operation operation)
+{
     try {
         return operation();
     } catch (const GenICam_3_4::GenericException& exception) {
@@ -47,7 +50,8 @@ template <class Operation> int Guarded(std::string& message, Operation operation
 }
 
 // The node's pIsAvailable test: 0 when it passes or does not apply, NODE_UNAVAILABLE when it fails.
-int CheckAvailability(INodeMap* nodeMap, INode* node, std::string& message) {
+int CheckAvailability(INodeMap* nodeMap, INode* node, std::string& message)
+{
     GenICam_3_4::gcstring availabilityName;
     GenICam_3_4::gcstring attribute;
     if (!node->GetProperty("pIsAvailable", availabilityName, attribute)) {
@@ -75,7 +79,9 @@ int CheckAvailability(INodeMap* nodeMap, INode* node, std::string& message) {
 }
 
 // Reads the node through pointer type Ptr when it is readable, passing the typed interface to format.
-template <class Ptr, class Format> int ReadTyped(INode* node, std::string& value, std::string& message, Format format) {
+template <class Ptr, class Format>
+int ReadTyped(INode* node, std::string& value, std::string& message, Format format)
+{
     Ptr pointer(node);
     if (!GenApi_3_4::IsReadable(pointer)) {
         message = kNodeUnreadable;
@@ -87,7 +93,8 @@ template <class Ptr, class Format> int ReadTyped(INode* node, std::string& value
 
 // Writes through pointer type Ptr when it is writable; unwritableMessage null leaves the message untouched.
 template <class Ptr, class Write>
-int WriteTyped(INode* node, std::string& message, const char* unwritableMessage, Write write) {
+int WriteTyped(INode* node, std::string& message, const char* unwritableMessage, Write write)
+{
     Ptr pointer(node);
     if (!GenApi_3_4::IsWritable(pointer)) {
         if (unwritableMessage != nullptr) {
@@ -101,7 +108,8 @@ int WriteTyped(INode* node, std::string& message, const char* unwritableMessage,
 
 } // namespace
 
-int GetNodeValue(INodeMap* nodeMap, std::string name, std::string& value, std::string& message) {
+int GetNodeValue(INodeMap* nodeMap, std::string name, std::string& value, std::string& message)
+{
     int lookupFailure = 0;
     INode* node = LookUpNode(nodeMap, name, message, lookupFailure);
     if (node == nullptr) {
@@ -141,7 +149,8 @@ int GetNodeValue(INodeMap* nodeMap, std::string name, std::string& value, std::s
     });
 }
 
-int SetNodeValue(INodeMap* nodeMap, std::string name, std::string value, std::string& message) {
+int SetNodeValue(INodeMap* nodeMap, std::string name, std::string value, std::string& message)
+{
     int lookupFailure = 0;
     INode* node = LookUpNode(nodeMap, name, message, lookupFailure);
     if (node == nullptr) {
@@ -183,7 +192,8 @@ int SetNodeValue(INodeMap* nodeMap, std::string name, std::string value, std::st
 }
 
 int GetIntNodeInfo(INodeMap* nodeMap, std::string name, std::string& value, std::string& min, std::string& max,
-                   std::string& inc, std::string& message) {
+                   std::string& inc, std::string& message)
+{
     int lookupFailure = 0;
     INode* node = LookUpNode(nodeMap, name, message, lookupFailure);
     if (node == nullptr) {
@@ -207,7 +217,8 @@ int GetIntNodeInfo(INodeMap* nodeMap, std::string name, std::string& value, std:
     });
 }
 
-std::string ToStringWithPrecision(double value, int precision) {
+std::string ToStringWithPrecision(double value, int precision)
+{
     const std::string format = "%." + std::to_string(precision) + "f";
     char buffer[24];
     std::snprintf(buffer, sizeof buffer, format.c_str(), value);

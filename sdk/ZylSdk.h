@@ -34,9 +34,9 @@ enum GigEInfoItem : int {
 
 // Items of ICameraInfo::GetCLInfo (Camera Link records only).
 enum CLInfoItem : int {
-    CL_CARD_KEY = 1,     // key of the frame grabber, "GenCPCamera" for a serial-only camera
-    CL_PROTOCOL = 2,     // stored protocol, may be empty
-    CL_SERIAL_PORT = 3,  // stored serial port, may be empty
+    CL_CARD_KEY = 1,    // key of the frame grabber, "GenCPCamera" for a serial-only camera
+    CL_PROTOCOL = 2,    // stored protocol, may be empty
+    CL_SERIAL_PORT = 3, // stored serial port, may be empty
 };
 
 // The frame limit of an acquisition that runs until it is stopped: the one value the device
@@ -58,7 +58,7 @@ enum SdkResult : int {
 class ICameraInfo {
 public:
     virtual int GetTLType() = 0;
-    virtual int GetAccessStatus() = 0;             // 0, 1: not available; 2 and above: usable
+    virtual int GetAccessStatus() = 0; // 0, 1: not available; 2 and above: usable
     virtual const char* GetSerialNumber() = 0;
     virtual const char* GetModelName() = 0;
     virtual const char* GetUserDefinedName() = 0;
@@ -76,7 +76,7 @@ protected:
 class IModule {
 public:
     virtual GenApi_3_4::INodeMap* GetNodeMap() = 0;
-    virtual const char* GetXML() = 0;   // GenICam description text, null if none
+    virtual const char* GetXML() = 0; // GenICam description text, null if none
     virtual uint64_t GetXMLSize() = 0;
 
 protected:
@@ -90,7 +90,7 @@ public:
     virtual bool IsOpen() = 0;
     virtual bool IsConnected() = 0;
     virtual bool IsGrabbing() = 0;
-    virtual ICameraInfo* GetDeviceInfo() = 0;  // owned by the camera
+    virtual ICameraInfo* GetDeviceInfo() = 0; // owned by the camera
     // Modules: 0 transport layer, 1 interface, 2 auxiliary (card / stream),
     // 3 the device's feature node map, 4 data stream. Null where the transport has none.
     virtual IModule* GetModule0() = 0;
@@ -98,11 +98,11 @@ public:
     virtual IModule* GetModule2() = 0;
     virtual IModule* GetModule3() = 0;
     virtual IModule* GetModule4() = 0;
-    virtual int StartGrabbing(int mode, uint64_t frameLimit) = 0;   // NO_FRAME_LIMIT: until stopped
+    virtual int StartGrabbing(int mode, uint64_t frameLimit) = 0; // NO_FRAME_LIMIT: until stopped
     virtual int StopGrabbing() = 0;
     // 0: image set (caller releases it); SDK_TIMEOUT; other negative: failure (image may be set).
     virtual int GetImage(IImage*& image, uint64_t timeoutMs) = 0;
-    virtual int SetCLProtocol(const char* protocol, const char* serialPort) = 0;  // both null: unbind
+    virtual int SetCLProtocol(const char* protocol, const char* serialPort) = 0; // both null: unbind
     virtual void Destroy() = 0;
 
 protected:

@@ -195,8 +195,8 @@ bool RewriteInPlace(const std::string& target, const std::string& content, int& 
         error = errno;
         return false;
     }
-    const bool written = WriteAll(fd, content) && ftruncate(fd, static_cast<off_t>(content.size())) == 0 &&
-                         fsync(fd) == 0;
+    const bool written =
+        WriteAll(fd, content) && ftruncate(fd, static_cast<off_t>(content.size())) == 0 && fsync(fd) == 0;
     if (!written) {
         error = errno;
     }

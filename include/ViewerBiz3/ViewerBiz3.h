@@ -142,8 +142,8 @@ VIEWERBIZ3_API void NotifyImportUpdate(std::string text);
 VIEWERBIZ3_API int NotifyCorrection(std::string id, int kind, float value, void* data);
 // IROIDrawUpdate listeners receive operation 0 and may write index and result,
 // which the caller reads afterwards (untouched when nobody listens). Returns 0.
-VIEWERBIZ3_API int DrawROI(std::string id, int x, int y, int width, int height, int& index, bool& result,
-                           int extra1, int extra2);
+VIEWERBIZ3_API int DrawROI(std::string id, int x, int y, int width, int height, int& index, bool& result, int extra1,
+                           int extra2);
 // Operation 1 (move or resize); what listeners write back is discarded. Returns 0.
 VIEWERBIZ3_API int SetROIPos(std::string id, int index, int x, int y, int width, int height);
 // Operation 2 (remove); what listeners write back is discarded. Returns 0.
@@ -200,8 +200,8 @@ VIEWERBIZ3_API int VLogDeadly(const std::string& source, const std::string& mess
 
 // ---- Kept for interface compatibility; they do nothing else. -------------------
 
-VIEWERBIZ3_API int SetImgZoom(std::string id, double zoom);  // 0
-VIEWERBIZ3_API int SetDefaultLoadMode(int mode);             // -1
-VIEWERBIZ3_API int GetDefaultLoadMode();                     // -1
+VIEWERBIZ3_API int SetImgZoom(std::string id, double zoom); // 0
+VIEWERBIZ3_API int SetDefaultLoadMode(int mode);            // -1
+VIEWERBIZ3_API int GetDefaultLoadMode();                    // -1
 
 } // namespace ViewerBiz3

@@ -89,8 +89,8 @@ public:
 class IROIDrawUpdate {
 public:
     // operation: 0 draw, 1 move/resize, 2 remove. index and result are the caller's variables.
-    virtual void OnROIDrawUpdate(std::string cameraId, int x, int y, int width, int height, int operation,
-                                 int& index, bool& result, int extra1, int extra2) = 0;
+    virtual void OnROIDrawUpdate(std::string cameraId, int x, int y, int width, int height, int operation, int& index,
+                                 bool& result, int extra1, int extra2) = 0;
     virtual ~IROIDrawUpdate() = default;
 };
 

@@ -16,8 +16,8 @@ enum FOCUS_TYPE : int {
 enum NodeMapType : int {
     NODEMAP_MODULE0 = 0,
     NODEMAP_MODULE1 = 1,
-    NODEMAP_MODULE2 = 2,  // auxiliary (card / transport) node map
-    NODEMAP_MODULE3 = 3,  // the device's own feature node map
+    NODEMAP_MODULE2 = 2, // auxiliary (card / transport) node map
+    NODEMAP_MODULE3 = 3, // the device's own feature node map
     NODEMAP_MODULE4 = 4,
 };
 

@@ -6,7 +6,7 @@ namespace ZYLGENICAM {
 
 namespace {
 
-constexpr uint64_t kSixteenBitIdSpan = 65535;   // ids 1..65535; 0 is never sent
+constexpr uint64_t kSixteenBitIdSpan = 65535; // ids 1..65535; 0 is never sent
 constexpr uint64_t kWrapDetectionGap = 32768;
 
 void DeleteFrameBufferInfo(void* info)
@@ -16,8 +16,7 @@ void DeleteFrameBufferInfo(void* info)
 
 } // namespace
 
-AcquisitionStream::AcquisitionStream(ArvStream* stream, std::size_t bufferSize, unsigned poolSize)
-    : m_stream(stream)
+AcquisitionStream::AcquisitionStream(ArvStream* stream, std::size_t bufferSize, unsigned poolSize) : m_stream(stream)
 {
     for (unsigned i = 0; i < poolSize; ++i) {
         auto* info = new FrameBufferInfo(bufferSize);
@@ -39,8 +38,8 @@ uint64_t AcquisitionStream::ContinuousFrameId(uint64_t deviceFrameId)
 {
     std::lock_guard<std::mutex> lock(m_frameIdMutex);
     bool sixteenBit = deviceFrameId <= kSixteenBitIdSpan && m_previousDeviceId <= kSixteenBitIdSpan;
-    if (m_hasPreviousId && sixteenBit && deviceFrameId < m_previousDeviceId
-        && m_previousDeviceId - deviceFrameId > kWrapDetectionGap)
+    if (m_hasPreviousId && sixteenBit && deviceFrameId < m_previousDeviceId &&
+        m_previousDeviceId - deviceFrameId > kWrapDetectionGap)
         m_wrapOffset += kSixteenBitIdSpan;
     m_hasPreviousId = true;
     m_previousDeviceId = deviceFrameId;

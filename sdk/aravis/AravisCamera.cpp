@@ -46,7 +46,7 @@ constexpr guint64 kProbeRegister = 0;
 
 std::string GigeDeviceAddress(ArvDevice* device)
 {
-    GSocketAddress* socketAddress = arv_gv_device_get_device_address(ARV_GV_DEVICE(device));   // not ours
+    GSocketAddress* socketAddress = arv_gv_device_get_device_address(ARV_GV_DEVICE(device)); // not ours
     if (!G_IS_INET_SOCKET_ADDRESS(socketAddress))
         return {};
     gchar* text = g_inet_address_to_string(g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(socketAddress)));
@@ -135,7 +135,8 @@ int AravisCamera::Open(int)
     }
     size_t xmlSize = 0;
     const char* xml = arv_device_get_genicam_xml(device.get(), &xmlSize);
-    m_featureModule = std::make_unique<AravisModule>(m_nodeMap.get(), xml != nullptr ? std::string(xml, xmlSize) : std::string());
+    m_featureModule =
+        std::make_unique<AravisModule>(m_nodeMap.get(), xml != nullptr ? std::string(xml, xmlSize) : std::string());
     if (ARV_IS_GV_DEVICE(device.get()))
         m_transportNodeMap = GigeTransportModule::CreateNodeMap(device.get());
     if (m_transportNodeMap)
@@ -145,8 +146,9 @@ int AravisCamera::Open(int)
     // The device keeps the flag alive until it is finalized, which ends its heartbeat thread, so a
     // signal still in flight after disconnecting never touches freed memory.
     g_object_set_data_full(G_OBJECT(device.get()), "viewerbiz3-control-lost",
-        new std::shared_ptr<std::atomic<bool>>(m_controlLost), DeleteControlLostFlag);
-    m_controlLostHandler = g_signal_connect(device.get(), "control-lost", G_CALLBACK(OnControlLost), m_controlLost.get());
+                           new std::shared_ptr<std::atomic<bool>>(m_controlLost), DeleteControlLostFlag);
+    m_controlLostHandler =
+        g_signal_connect(device.get(), "control-lost", G_CALLBACK(OnControlLost), m_controlLost.get());
     if (m_info->m_record.tlType == TL_USB)
         OpenUsbDevices::Instance().Add(m_info->m_record.aravisDeviceId, device.get());
     m_device = std::move(device);
@@ -175,7 +177,7 @@ int AravisCamera::CloseLocked()
     m_transportModule.reset();
     m_transportNodeMap.reset();
     m_streamModule.reset();
-    m_nodeMap.reset();   // before the device: they read through it
+    m_nodeMap.reset(); // before the device: they read through it
     if (m_info->m_record.tlType == TL_USB)
         OpenUsbDevices::Instance().Remove(m_info->m_record.aravisDeviceId);
     if (IsLost())
@@ -246,7 +248,8 @@ int AravisCamera::StartGrabbing(int, uint64_t)
     // Without root the default socket buffer loses almost every frame.
     if (ARV_IS_GV_STREAM(created))
         g_object_set(created, "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_AUTO, "packet-resend",
-                     m_streamModule->PacketResend() ? ARV_GV_STREAM_PACKET_RESEND_ALWAYS : ARV_GV_STREAM_PACKET_RESEND_NEVER,
+                     m_streamModule->PacketResend() ? ARV_GV_STREAM_PACKET_RESEND_ALWAYS
+                                                    : ARV_GV_STREAM_PACKET_RESEND_NEVER,
                      nullptr);
     auto stream = std::make_shared<AcquisitionStream>(created, std::size_t(payload), m_streamModule->BufferCount());
     if (!ExecuteCommand("AcquisitionStart"))
@@ -349,7 +352,7 @@ bool AravisCamera::ProbeDevice()
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         if (!m_device)
-            return true;   // closed meanwhile: nothing to probe
+            return true; // closed meanwhile: nothing to probe
         target = ProbeTargetLocked();
     }
     return Answers(target);

@@ -66,11 +66,11 @@ private:
     void MarkAlive();
 
     AravisCameraInfo* m_info;
-    std::mutex m_mutex;   // open, close, start, stop
+    std::mutex m_mutex; // open, close, start, stop
     GObjectPtr<ArvDevice> m_device;
     std::unique_ptr<GenApi_3_4::INodeMap> m_nodeMap;
     std::unique_ptr<AravisModule> m_featureModule;
-    std::unique_ptr<GenApi_3_4::INodeMap> m_transportNodeMap;   // GigE Vision only
+    std::unique_ptr<GenApi_3_4::INodeMap> m_transportNodeMap; // GigE Vision only
     std::unique_ptr<AravisModule> m_transportModule;
     std::unique_ptr<StreamModule> m_streamModule;
     std::shared_ptr<AcquisitionStream> m_stream;
@@ -78,10 +78,10 @@ private:
     // freed camera.
     std::shared_ptr<std::atomic<bool>> m_controlLost;
     gulong m_controlLostHandler = 0;
-    std::atomic<bool> m_open { false };
-    std::atomic<bool> m_grabbing { false };
-    std::atomic<bool> m_lost { false };
-    std::atomic<int64_t> m_lastAliveMs { 0 };
+    std::atomic<bool> m_open{false};
+    std::atomic<bool> m_grabbing{false};
+    std::atomic<bool> m_lost{false};
+    std::atomic<int64_t> m_lastAliveMs{0};
 };
 
 } // namespace ZYLGENICAM

@@ -11,10 +11,10 @@ namespace ZYLGENICAM {
 
 // Access states reported by GetAccessStatus (0 and 1 mean not available).
 enum AccessStatus : int {
-    ACCESS_UNKNOWN = 0,     // the device could not be asked
-    ACCESS_NO_ACCESS = 1,   // reserved: unreachable (e.g. no route to its address)
-    ACCESS_AVAILABLE = 2,   // nobody controls it: it can be opened
-    ACCESS_BUSY = 3,        // another host or handle controls it: opening fails
+    ACCESS_UNKNOWN = 0,   // the device could not be asked
+    ACCESS_NO_ACCESS = 1, // reserved: unreachable (e.g. no route to its address)
+    ACCESS_AVAILABLE = 2, // nobody controls it: it can be opened
+    ACCESS_BUSY = 3,      // another host or handle controls it: opening fails
 };
 
 struct AravisDeviceRecord {
@@ -31,7 +31,7 @@ struct AravisDeviceRecord {
     std::string gateway;
     std::string hostInterfaceAddress;
     std::string aravisDeviceId;                 // GigE and USB: the id Aravis opens it by
-    std::shared_ptr<SimulatedDevice> simulated;  // transport 8
+    std::shared_ptr<SimulatedDevice> simulated; // transport 8
 };
 
 class AravisCameraInfo final : public ICameraInfo {
@@ -53,7 +53,7 @@ public:
 
 private:
     ~AravisCameraInfo() = default;
-    friend class AravisCamera;   // owns its record for the camera's lifetime
+    friend class AravisCamera; // owns its record for the camera's lifetime
 
     AravisDeviceRecord m_record;
 };

@@ -16,7 +16,7 @@ public:
     uint64_t GetXMLSize() override { return m_xml.size(); }
 
 private:
-    GenApi_3_4::INodeMap* m_nodeMap;   // owned by the camera
+    GenApi_3_4::INodeMap* m_nodeMap; // owned by the camera
     std::string m_xml;
 };
 

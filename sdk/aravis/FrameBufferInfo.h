@@ -12,11 +12,11 @@ struct FrameBufferInfo {
     explicit FrameBufferInfo(std::size_t size) : allocatedSize(size) {}
 
     std::size_t allocatedSize;
-    std::size_t simulatedSize = 0;   // 0: the frame came from a real device; Aravis's sizes hold
+    std::size_t simulatedSize = 0; // 0: the frame came from a real device; Aravis's sizes hold
     bool simulatedChunks = false;
     // Bumped (release) by whoever hands the buffer on and read (acquire) by whoever takes it: the
     // stream's own queue synchronizes through GLib futexes that thread checkers cannot see.
-    std::atomic<unsigned> handoff { 0 };
+    std::atomic<unsigned> handoff{0};
 
     void Hand() { handoff.fetch_add(1, std::memory_order_release); }
     void Take() const { (void)handoff.load(std::memory_order_acquire); }

@@ -32,7 +32,7 @@ class GvcpSocket {
 public:
     explicit GvcpSocket(const std::string& deviceAddress)
     {
-        sockaddr_in device {};
+        sockaddr_in device{};
         device.sin_family = AF_INET;
         device.sin_port = htons(kPort);
         if (inet_pton(AF_INET, deviceAddress.c_str(), &device.sin_addr) != 1 || !m_socket.IsOpen() ||
@@ -60,7 +60,7 @@ public:
         for (int attempt = 0; attempt < GvcpBootstrapReader::kAttempts; ++attempt) {
             if (send(m_socket.Fd(), packet.data(), packet.size(), 0) < 0)
                 return std::nullopt;
-            pollfd waiting { m_socket.Fd(), POLLIN, 0 };
+            pollfd waiting{m_socket.Fd(), POLLIN, 0};
             while (poll(&waiting, 1, GvcpBootstrapReader::kReplyTimeoutMs) > 0) {
                 uint8_t reply[1024];
                 ssize_t size = recv(m_socket.Fd(), reply, sizeof reply, 0);

@@ -24,9 +24,9 @@ using Clock = std::chrono::steady_clock;
 
 uint16_t NextRequestId()
 {
-    static std::atomic<uint16_t> counter { 0 };
+    static std::atomic<uint16_t> counter{0};
     uint16_t id = ++counter;
-    return id != 0 ? id : ++counter;   // 0 is not a valid request id
+    return id != 0 ? id : ++counter; // 0 is not a valid request id
 }
 
 std::vector<GigeAdapter> ListAdapters()
@@ -57,7 +57,7 @@ public:
     BroadcastSocket()
     {
         int on = 1;
-        sockaddr_in any {};
+        sockaddr_in any{};
         any.sin_family = AF_INET;
         if (!m_socket.IsOpen() || setsockopt(m_socket.Fd(), SOL_SOCKET, SO_BROADCAST, &on, sizeof on) != 0 ||
             setsockopt(m_socket.Fd(), IPPROTO_IP, IP_PKTINFO, &on, sizeof on) != 0 ||
@@ -69,13 +69,13 @@ public:
 
     bool SendFrom(const GigeAdapter& adapter, const std::vector<uint8_t>& packet)
     {
-        sockaddr_in everyone {};
+        sockaddr_in everyone{};
         everyone.sin_family = AF_INET;
         everyone.sin_port = htons(Gvcp::kPort);
         everyone.sin_addr.s_addr = htonl(INADDR_BROADCAST);
-        iovec data { const_cast<uint8_t*>(packet.data()), packet.size() };
+        iovec data{const_cast<uint8_t*>(packet.data()), packet.size()};
         alignas(cmsghdr) char control[CMSG_SPACE(sizeof(in_pktinfo))] = {};
-        msghdr message {};
+        msghdr message{};
         message.msg_name = &everyone;
         message.msg_namelen = sizeof everyone;
         message.msg_iov = &data;
@@ -86,7 +86,7 @@ public:
         header->cmsg_level = IPPROTO_IP;
         header->cmsg_type = IP_PKTINFO;
         header->cmsg_len = CMSG_LEN(sizeof(in_pktinfo));
-        in_pktinfo way {};
+        in_pktinfo way{};
         way.ipi_ifindex = int(adapter.index);
         way.ipi_spec_dst.s_addr = htonl(adapter.address);
         std::memcpy(CMSG_DATA(header), &way, sizeof way);
@@ -98,13 +98,13 @@ public:
     {
         for (;;) {
             auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-            pollfd waiting { m_socket.Fd(), POLLIN, 0 };
+            pollfd waiting{m_socket.Fd(), POLLIN, 0};
             if (left <= 0 || poll(&waiting, 1, int(left)) <= 0)
                 return false;
             packet.resize(1500);
-            iovec data { packet.data(), packet.size() };
+            iovec data{packet.data(), packet.size()};
             alignas(cmsghdr) char control[CMSG_SPACE(sizeof(in_pktinfo))] = {};
-            msghdr message {};
+            msghdr message{};
             message.msg_iov = &data;
             message.msg_iovlen = 1;
             message.msg_control = control;
@@ -116,7 +116,7 @@ public:
             interfaceIndex = 0;
             for (cmsghdr* header = CMSG_FIRSTHDR(&message); header != nullptr; header = CMSG_NXTHDR(&message, header)) {
                 if (header->cmsg_level == IPPROTO_IP && header->cmsg_type == IP_PKTINFO) {
-                    in_pktinfo way {};
+                    in_pktinfo way{};
                     std::memcpy(&way, CMSG_DATA(header), sizeof way);
                     interfaceIndex = unsigned(way.ipi_ifindex);
                 }
@@ -169,7 +169,7 @@ std::vector<DiscoveredGigeDevice> Discover()
             continue;
         std::optional<Gvcp::DiscoveryData> data = Gvcp::ParseDiscoveryData(ack->payload);
         if (data && seen.insert(data->mac).second)
-            found.push_back(DiscoveredGigeDevice { *data, *adapter });
+            found.push_back(DiscoveredGigeDevice{*data, *adapter});
     }
     return found;
 }

@@ -16,14 +16,14 @@
 namespace ZYLGENICAM {
 
 struct GigeAdapter {
-    unsigned index = 0;     // the host interface's index
-    uint32_t address = 0;   // host byte order
+    unsigned index = 0;   // the host interface's index
+    uint32_t address = 0; // host byte order
     uint32_t mask = 0;
 };
 
 struct DiscoveredGigeDevice {
     Gvcp::DiscoveryData data;
-    GigeAdapter adapter;   // the one its acknowledge arrived on
+    GigeAdapter adapter; // the one its acknowledge arrived on
 
     // True when the device's address lies in the adapter's subnet, so unicast reaches it.
     bool ReachableByUnicast() const;

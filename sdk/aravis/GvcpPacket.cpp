@@ -58,7 +58,7 @@ void Put32(std::vector<uint8_t>& out, uint32_t value)
 
 std::string AddressText(uint32_t hostOrder)
 {
-    in_addr address {};
+    in_addr address{};
     address.s_addr = htonl(hostOrder);
     char text[INET_ADDRSTRLEN] = {};
     inet_ntop(AF_INET, &address, text, sizeof text);
@@ -67,7 +67,7 @@ std::string AddressText(uint32_t hostOrder)
 
 bool ParseAddress(const std::string& text, uint32_t& hostOrder)
 {
-    in_addr address {};
+    in_addr address{};
     if (inet_pton(AF_INET, text.c_str(), &address) != 1)
         return false;
     hostOrder = ntohl(address.s_addr);
@@ -95,7 +95,7 @@ bool ParseMac(const std::string& text, MacAddress& mac)
 
 std::vector<uint8_t> Command(uint16_t code, uint16_t requestId, const std::vector<uint8_t>& payload, uint8_t flags)
 {
-    std::vector<uint8_t> packet { kCommandKey, flags };
+    std::vector<uint8_t> packet{kCommandKey, flags};
     Put16(packet, code);
     Put16(packet, uint16_t(payload.size()));
     Put16(packet, requestId);
@@ -107,7 +107,7 @@ std::optional<Acknowledge> ParseAcknowledge(const uint8_t* packet, std::size_t s
 {
     if (packet == nullptr || size < kHeaderSize)
         return std::nullopt;
-    Acknowledge ack { ReadBigEndian16(packet), ReadBigEndian16(packet + 2), ReadBigEndian16(packet + 6), {} };
+    Acknowledge ack{ReadBigEndian16(packet), ReadBigEndian16(packet + 2), ReadBigEndian16(packet + 6), {}};
     if (ack.code != code || ack.requestId != requestId)
         return std::nullopt;
     std::size_t length = std::min<std::size_t>(ReadBigEndian16(packet + 4), size - kHeaderSize);

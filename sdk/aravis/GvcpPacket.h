@@ -18,7 +18,7 @@ constexpr std::size_t kHeaderSize = 8;
 
 // Header flags of a command.
 constexpr uint8_t kAcknowledgeRequired = 0x01;
-constexpr uint8_t kAllowBroadcastAcknowledge = 0x10;   // discovery: a device off our subnet may broadcast
+constexpr uint8_t kAllowBroadcastAcknowledge = 0x10; // discovery: a device off our subnet may broadcast
 
 enum Code : uint16_t {
     DISCOVERY_CMD = 0x0002,
@@ -51,16 +51,15 @@ struct Acknowledge {
     uint16_t status = 0;
     uint16_t code = 0;
     uint16_t requestId = 0;
-    std::vector<uint8_t> payload;   // as long as the header says, never past the packet
+    std::vector<uint8_t> payload; // as long as the header says, never past the packet
 };
 
 // The acknowledge of the given code and request id, or nothing for any other packet.
-std::optional<Acknowledge> ParseAcknowledge(const uint8_t* packet, std::size_t size, uint16_t code,
-                                            uint16_t requestId);
+std::optional<Acknowledge> ParseAcknowledge(const uint8_t* packet, std::size_t size, uint16_t code, uint16_t requestId);
 
 // A device's identity as its discovery acknowledge states it (the first bootstrap block).
 struct DiscoveryData {
-    MacAddress mac {};
+    MacAddress mac{};
     uint32_t currentIpConfiguration = 0;
     uint32_t ip = 0;
     uint32_t mask = 0;

@@ -15,21 +15,22 @@ SimulatedCameraRegistry& SimulatedCameraRegistry::Instance()
 
 std::vector<SimulatedKind> SimulatedCameraRegistry::KindsFromSetting(const char* value)
 {
-    const SimulatedKind all[] = { SimulatedKind::Area, SimulatedKind::ShowMode, SimulatedKind::Profile };
+    const SimulatedKind all[] = {SimulatedKind::Area, SimulatedKind::ShowMode, SimulatedKind::Profile};
     if (value == nullptr)
         return {};
     std::vector<std::string> names;
-    std::stringstream stream { std::string(value) };
+    std::stringstream stream{std::string(value)};
     for (std::string name; std::getline(stream, name, ',');) {
-        name.erase(std::remove_if(name.begin(), name.end(), [](unsigned char c) { return std::isspace(c); }), name.end());
+        name.erase(std::remove_if(name.begin(), name.end(), [](unsigned char c) { return std::isspace(c); }),
+                   name.end());
         std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return char(std::tolower(c)); });
         names.push_back(name);
     }
     std::vector<SimulatedKind> kinds;
-    const char* kindNames[] = { "area", "showmode", "profile" };
+    const char* kindNames[] = {"area", "showmode", "profile"};
     for (int i = 0; i < 3; ++i) {
-        bool wanted = std::find(names.begin(), names.end(), "1") != names.end()
-            || std::find(names.begin(), names.end(), kindNames[i]) != names.end();
+        bool wanted = std::find(names.begin(), names.end(), "1") != names.end() ||
+                      std::find(names.begin(), names.end(), kindNames[i]) != names.end();
         if (wanted)
             kinds.push_back(all[i]);
     }

@@ -31,16 +31,16 @@ struct ProfileInteger {
 };
 
 const ProfileInteger kProfileIntegers[] = {
-    { "EnableExtraction", SimulatedRegisters::kEnableExtraction, "0", "1", false },
-    { "EnableImage", SimulatedRegisters::kEnableImage, "0", "1", false },
-    { "EnableCalibration", SimulatedRegisters::kEnableCalibration, "0", "1", false },
-    { "BatchEnable", SimulatedRegisters::kBatchEnable, "0", "1", false },
-    { "BatchNumber", SimulatedRegisters::kBatchNumber, "1", "200", false },
-    { "AcquisitionLineCount", SimulatedRegisters::kAcquisitionLineCount, "1", "1000000", false },
-    { "Scaler", SimulatedRegisters::kScaler, "1", "16777216", false },
-    { "ZUpSizeInfo", SimulatedRegisters::kZUpSizeInfo, "-1000", "1000", true },
-    { "ZDownSizeInfo", SimulatedRegisters::kZDownSizeInfo, "-1000", "1000", true },
-    { "XSizeInfo", SimulatedRegisters::kXSizeInfo, "1", "10000", false },
+    {"EnableExtraction", SimulatedRegisters::kEnableExtraction, "0", "1", false},
+    {"EnableImage", SimulatedRegisters::kEnableImage, "0", "1", false},
+    {"EnableCalibration", SimulatedRegisters::kEnableCalibration, "0", "1", false},
+    {"BatchEnable", SimulatedRegisters::kBatchEnable, "0", "1", false},
+    {"BatchNumber", SimulatedRegisters::kBatchNumber, "1", "200", false},
+    {"AcquisitionLineCount", SimulatedRegisters::kAcquisitionLineCount, "1", "1000000", false},
+    {"Scaler", SimulatedRegisters::kScaler, "1", "16777216", false},
+    {"ZUpSizeInfo", SimulatedRegisters::kZUpSizeInfo, "-1000", "1000", true},
+    {"ZDownSizeInfo", SimulatedRegisters::kZDownSizeInfo, "-1000", "1000", true},
+    {"XSizeInfo", SimulatedRegisters::kXSizeInfo, "1", "10000", false},
 };
 
 std::string HexAddress(uint32_t address)
@@ -62,8 +62,8 @@ std::string ProfileRegisters()
         ReplaceAll(item, "%SIGN%", feature.isSigned ? "Signed" : "Unsigned");
         xml += item;
     }
-    for (auto [name, address] : { std::pair<const char*, uint32_t> { "DepthDataType", SimulatedRegisters::kDepthDataType },
-                                  std::pair<const char*, uint32_t> { "CenterImageY", SimulatedRegisters::kCenterImageY } }) {
+    for (auto [name, address] : {std::pair<const char*, uint32_t>{"DepthDataType", SimulatedRegisters::kDepthDataType},
+                                 std::pair<const char*, uint32_t>{"CenterImageY", SimulatedRegisters::kCenterImageY}}) {
         std::string item = SimulatedCameraXml::kRegisterOnly;
         ReplaceAll(item, "%NAME%", name);
         ReplaceAll(item, "%ADDRESS%", HexAddress(address));
@@ -106,13 +106,15 @@ std::string SimulatedDevice::BuildDescription(SimulatedKind kind)
     ReplaceAll(xml, "%MODEL%", identity.model);
     bool profile = kind == SimulatedKind::Profile;
     ReplaceAll(xml, "%EXTRA_CATEGORY%", profile ? "<pFeature>ProfileControl</pFeature>" : "");
-    ReplaceAll(xml, "%PIXEL_FORMATS%", profile ? SimulatedCameraXml::kProfilePixelFormats : SimulatedCameraXml::kAreaPixelFormats);
+    ReplaceAll(xml, "%PIXEL_FORMATS%",
+               profile ? SimulatedCameraXml::kProfilePixelFormats : SimulatedCameraXml::kAreaPixelFormats);
     if (profile) {
         std::string features = SimulatedCameraXml::kProfileFeatures;
         ReplaceAll(features, "%PROFILE_REGISTERS%", ProfileRegisters());
         xml += features;
     } else {
-        xml += kind == SimulatedKind::ShowMode ? SimulatedCameraXml::kShowModePayload : SimulatedCameraXml::kImagePayload;
+        xml +=
+            kind == SimulatedKind::ShowMode ? SimulatedCameraXml::kShowModePayload : SimulatedCameraXml::kImagePayload;
     }
     xml += SimulatedCameraXml::kFooter;
     return xml;

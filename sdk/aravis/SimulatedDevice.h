@@ -39,8 +39,8 @@ private:
 
     SimulatedKind m_kind;
     GObjectPtr<ArvDevice> m_device;
-    ArvFakeCamera* m_camera;   // owned by m_device
-    std::atomic<bool> m_open { false };
+    ArvFakeCamera* m_camera; // owned by m_device
+    std::atomic<bool> m_open{false};
 };
 
 } // namespace ZYLGENICAM

@@ -38,8 +38,8 @@ SimulatedFrameFiller::SimulatedFrameFiller(ArvFakeCamera* camera, SimulatedKind 
     const double pi = std::acos(-1.0);
     for (std::size_t x = 0; x < kHeightProfileLength; ++x) {
         double phase = 2.0 * pi * double(x) / double(kHeightProfileLength);
-        double height = 20000.0 + 4000.0 * std::sin(2.0 * phase) + 8000.0 * std::exp(-std::pow((phase - pi) * 3.0, 2.0))
-            + 2000.0 * phase / pi;
+        double height = 20000.0 + 4000.0 * std::sin(2.0 * phase) +
+                        8000.0 * std::exp(-std::pow((phase - pi) * 3.0, 2.0)) + 2000.0 * phase / pi;
         m_heightProfile[x] = uint16_t(std::clamp(height, 0.0, 65535.0));
     }
 }
@@ -128,8 +128,8 @@ std::size_t SimulatedFrameFiller::FillShowModeFrame(uint8_t* data, std::size_t c
 
 bool SimulatedFrameFiller::ProfileChunkMode() const
 {
-    return Register(SimulatedRegisters::kEnableExtraction) != 0 && Register(SimulatedRegisters::kEnableCalibration) != 0
-        && Register(SimulatedRegisters::kEnableImage) == 0;
+    return Register(SimulatedRegisters::kEnableExtraction) != 0 &&
+           Register(SimulatedRegisters::kEnableCalibration) != 0 && Register(SimulatedRegisters::kEnableImage) == 0;
 }
 
 void SimulatedFrameFiller::WriteProfile(uint8_t* out, uint32_t width, uint32_t depthBytes, uint64_t shift) const

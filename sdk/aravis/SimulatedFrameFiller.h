@@ -35,7 +35,7 @@ private:
     void WriteProfile(uint8_t* out, uint32_t width, uint32_t depthBytes, uint64_t shift) const;
     bool ProfileChunkMode() const;
 
-    ArvFakeCamera* m_camera;   // owns this filler
+    ArvFakeCamera* m_camera; // owns this filler
     SimulatedKind m_kind;
     std::vector<uint16_t> m_heightProfile;
 };

@@ -20,9 +20,12 @@ struct SimulatedIdentity {
 
     static const SimulatedIdentity& Of(SimulatedKind kind)
     {
-        static const SimulatedIdentity area { "SIM-AREA-01", "VB3-Sim-Area", "SimArea", "ViewerBiz3", "1.0", 640, 480, 0x01080001, 100 };
-        static const SimulatedIdentity showMode { "SIM-SL-01", "VB3-Sim-QV-RM10", "SimShowMode", "ViewerBiz3", "1.0", 640, 480, 0x01080001, 50 };
-        static const SimulatedIdentity profile { "F-SIM-01", "VB3-Sim-Profile", "SimProfile", "ViewerBiz3", "1.0", 3200, 32, 0x01100007, 100 };
+        static const SimulatedIdentity area{"SIM-AREA-01", "VB3-Sim-Area", "SimArea", "ViewerBiz3", "1.0", 640,
+                                            480,           0x01080001,     100};
+        static const SimulatedIdentity showMode{
+            "SIM-SL-01", "VB3-Sim-QV-RM10", "SimShowMode", "ViewerBiz3", "1.0", 640, 480, 0x01080001, 50};
+        static const SimulatedIdentity profile{"F-SIM-01", "VB3-Sim-Profile", "SimProfile", "ViewerBiz3", "1.0", 3200,
+                                               32,         0x01100007,        100};
         switch (kind) {
         case SimulatedKind::ShowMode:
             return showMode;

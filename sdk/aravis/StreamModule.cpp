@@ -46,7 +46,8 @@ gboolean WriteStreamMemory(ArvDevice* device, guint64 address, guint32 size, voi
     guint64 bigEndian = 0;
     if (size == kValueSize)
         std::memcpy(&bigEndian, buffer, kValueSize);
-    if (size != kValueSize || !VB3_STREAM_REGISTERS(device)->module->WriteRegister(address, GUINT64_FROM_BE(bigEndian))) {
+    if (size != kValueSize ||
+        !VB3_STREAM_REGISTERS(device)->module->WriteRegister(address, GUINT64_FROM_BE(bigEndian))) {
         RefuseAccess(error, address);
         return FALSE;
     }
@@ -205,15 +206,32 @@ bool StreamModule::ReadRegister(uint64_t address, uint64_t& value)
     if (stream != nullptr && ARV_IS_GV_STREAM(stream))
         arv_gv_stream_get_statistics(ARV_GV_STREAM(stream), &resent, &missing);
     switch (address) {
-    case BUFFER_COUNT: value = m_bufferCount; return true;
-    case PACKET_SIZE: value = ARV_IS_GV_DEVICE(m_device) ? arv_gv_device_get_packet_size(ARV_GV_DEVICE(m_device), nullptr) : 0; return true;
-    case PACKET_RESEND: value = m_packetResend ? 1 : 0; return true;
-    case COMPLETED_BUFFERS: value = completed; return true;
-    case FAILED_BUFFERS: value = failed; return true;
-    case UNDERRUN_BUFFERS: value = underruns; return true;
-    case RESENT_PACKETS: value = resent; return true;
-    case MISSING_PACKETS: value = missing; return true;
-    default: return false;
+    case BUFFER_COUNT:
+        value = m_bufferCount;
+        return true;
+    case PACKET_SIZE:
+        value = ARV_IS_GV_DEVICE(m_device) ? arv_gv_device_get_packet_size(ARV_GV_DEVICE(m_device), nullptr) : 0;
+        return true;
+    case PACKET_RESEND:
+        value = m_packetResend ? 1 : 0;
+        return true;
+    case COMPLETED_BUFFERS:
+        value = completed;
+        return true;
+    case FAILED_BUFFERS:
+        value = failed;
+        return true;
+    case UNDERRUN_BUFFERS:
+        value = underruns;
+        return true;
+    case RESENT_PACKETS:
+        value = resent;
+        return true;
+    case MISSING_PACKETS:
+        value = missing;
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -229,7 +247,8 @@ bool StreamModule::WriteRegister(uint64_t address, uint64_t value)
         ArvStream* stream = m_stream ? m_stream->Stream() : nullptr;
         if (stream != nullptr && ARV_IS_GV_STREAM(stream))
             g_object_set(stream, "packet-resend",
-                         m_packetResend ? ARV_GV_STREAM_PACKET_RESEND_ALWAYS : ARV_GV_STREAM_PACKET_RESEND_NEVER, nullptr);
+                         m_packetResend ? ARV_GV_STREAM_PACKET_RESEND_ALWAYS : ARV_GV_STREAM_PACKET_RESEND_NEVER,
+                         nullptr);
         return true;
     }
     return false;

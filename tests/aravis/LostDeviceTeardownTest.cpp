@@ -59,7 +59,7 @@ TEST(LostDeviceTeardown, LetsGoInOrderOnAWorkerThatEndsWhenDrained)
     releaseFirst.set_value();
     teardown.Drain();
 
-    EXPECT_EQ((std::vector<int> { 1, 2, 3 }), log.order);
+    EXPECT_EQ((std::vector<int>{1, 2, 3}), log.order);
     for (std::thread::id thread : log.threads) {
         EXPECT_NE(std::this_thread::get_id(), thread);
     }
@@ -70,5 +70,5 @@ TEST(LostDeviceTeardown, LetsGoInOrderOnAWorkerThatEndsWhenDrained)
     teardown.Drain();
     EXPECT_EQ(4u, log.order.size());
     EXPECT_TRUE(WaitForProcessThreadCount(threadsBefore, std::chrono::seconds(5)));
-    teardown.Drain();   // nothing handed over: returns at once
+    teardown.Drain(); // nothing handed over: returns at once
 }

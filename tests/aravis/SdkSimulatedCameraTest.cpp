@@ -47,8 +47,8 @@ protected:
     {
         std::vector<Listed> listed;
         for (ICameraInfo* info : DiscoveryByTLType(mask)) {
-            listed.push_back({ info->GetTLType(), info->GetAccessStatus(), info->GetSerialNumber(), info->GetModelName(),
-                info->GetUserDefinedName(), info->GetDeviceText(), info->GetGigEInfo(GIGE_IP) });
+            listed.push_back({info->GetTLType(), info->GetAccessStatus(), info->GetSerialNumber(), info->GetModelName(),
+                              info->GetUserDefinedName(), info->GetDeviceText(), info->GetGigEInfo(GIGE_IP)});
             info->Destroy();
         }
         return listed;

@@ -29,13 +29,15 @@ struct FeatureRow {
 
 class SimulatedNodeMap : public ::testing::Test {
 protected:
-    void SetUp() override {
+    void SetUp() override
+    {
         GError* error = nullptr;
         device = arv_fake_device_new("VB3-GENAPI-01", &error);
         ASSERT_NE(device, nullptr) << (error != nullptr ? error->message : "");
         nodeMap = CreateNodeMapForDevice(device);
     }
-    void TearDown() override {
+    void TearDown() override
+    {
         nodeMap.reset();
         if (device != nullptr) {
             g_object_unref(device);
@@ -43,7 +45,8 @@ protected:
     }
 
     // What the host's property tree shows for one feature.
-    FeatureRow Describe(const std::string& category, INode* node) {
+    FeatureRow Describe(const std::string& category, INode* node)
+    {
         FeatureRow row{category, node->GetDisplayName(), node->GetPrincipalInterfaceType(), node->GetAccessMode(), "",
                        ""};
         std::string message;
@@ -70,7 +73,8 @@ protected:
         return row;
     }
 
-    void Walk(const std::string& categoryName, std::map<std::string, FeatureRow>& rows) {
+    void Walk(const std::string& categoryName, std::map<std::string, FeatureRow>& rows)
+    {
         CCategoryPtr category = nodeMap->GetNode(categoryName.c_str());
         ASSERT_TRUE(category.IsValid()) << categoryName;
         FeatureList_t features;
@@ -91,7 +95,8 @@ protected:
 
 } // namespace
 
-TEST_F(SimulatedNodeMap, HostWalkShowsEveryFeatureWithItsValueAndRange) {
+TEST_F(SimulatedNodeMap, HostWalkShowsEveryFeatureWithItsValueAndRange)
+{
     std::map<std::string, FeatureRow> rows;
     Walk("Root", rows);
 
@@ -125,7 +130,8 @@ TEST_F(SimulatedNodeMap, HostWalkShowsEveryFeatureWithItsValueAndRange) {
     }
 }
 
-TEST_F(SimulatedNodeMap, WritesReachTheDeviceAndAreVerified) {
+TEST_F(SimulatedNodeMap, WritesReachTheDeviceAndAreVerified)
+{
     std::string message;
     std::string value, min, max, inc;
     ASSERT_EQ(Utilities::GetIntNodeInfo(nodeMap.get(), "Width", value, min, max, inc, message), 0) << message;
@@ -149,7 +155,8 @@ TEST_F(SimulatedNodeMap, WritesReachTheDeviceAndAreVerified) {
     EXPECT_EQ(Utilities::GetNodeValue(nodeMap.get(), "Debug", value, message), -6);
 }
 
-TEST_F(SimulatedNodeMap, NodeMapKeepsTheDeviceAliveAndServesSeveralThreads) {
+TEST_F(SimulatedNodeMap, NodeMapKeepsTheDeviceAliveAndServesSeveralThreads)
+{
     g_object_unref(device); // the node map holds its own reference
     device = nullptr;
 

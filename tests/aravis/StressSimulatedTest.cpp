@@ -38,8 +38,10 @@ StressScene SimulatedScene()
     StressScene scene;
     scene.cameraIds = {"SimArea(SIM-AREA-01)", "SimAreaB(SIM-AREA-01)", "SimShowMode(SIM-SL-01)",
                        "SimProfile(F-SIM-01)", "SimProfileB(F-SIM-01)", "Nobody(0)"};
-    scene.renames = {{"SimArea(SIM-AREA-01)", "SimAreaB"}, {"SimAreaB(SIM-AREA-01)", "SimArea"},
-                     {"SimProfile(F-SIM-01)", "SimProfileB"}, {"SimProfileB(F-SIM-01)", "SimProfile"}};
+    scene.renames = {{"SimArea(SIM-AREA-01)", "SimAreaB"},
+                     {"SimAreaB(SIM-AREA-01)", "SimArea"},
+                     {"SimProfile(F-SIM-01)", "SimProfileB"},
+                     {"SimProfileB(F-SIM-01)", "SimProfile"}};
     scene.nodes = {{"Width", {"320", "640", "99999"}},
                    {"Height", {"240", "480"}},
                    {"AcquisitionFrameRate", {"50", "200"}},

@@ -21,9 +21,9 @@ namespace {
 
 constexpr char fileName[] = "CameraParameters.ini";
 constexpr uint16_t profileCameraKind = 1;
-constexpr ViewerBiz3::CAM_INFO profileSettings[] = {ViewerBiz3::CAM_IMAGE_BITS, ViewerBiz3::CAM_SAMPLING_RATIO,
+constexpr ViewerBiz3::CAM_INFO profileSettings[] = {ViewerBiz3::CAM_IMAGE_BITS,     ViewerBiz3::CAM_SAMPLING_RATIO,
                                                     ViewerBiz3::CAM_CONTOUR_SPACER, ViewerBiz3::CAM_REAL_COLOR,
-                                                    ViewerBiz3::CAM_Z_UP_SIZE, ViewerBiz3::CAM_Z_DOWN_SIZE};
+                                                    ViewerBiz3::CAM_Z_UP_SIZE,      ViewerBiz3::CAM_Z_DOWN_SIZE};
 
 using SectionKeys = std::vector<std::pair<std::string, std::string>>;
 

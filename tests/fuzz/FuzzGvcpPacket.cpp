@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     using namespace ZYLGENICAM::Gvcp;
     const uint16_t requestId = size >= kHeaderSize ? uint16_t((data[6] << 8) | data[7]) : 1;
-    for (uint16_t code : { DISCOVERY_ACK, FORCEIP_ACK, READREG_ACK }) {
+    for (uint16_t code : {DISCOVERY_ACK, FORCEIP_ACK, READREG_ACK}) {
         std::optional<Acknowledge> ack = ParseAcknowledge(data, size, code, requestId);
         if (!ack)
             continue;

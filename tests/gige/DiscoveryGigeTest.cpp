@@ -30,11 +30,12 @@ class DiscoveryGige : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        VB3_REQUIRE(g_privateNetworkNamespace, "needs a private network namespace: " << g_privateNetworkNamespaceFailure);
+        VB3_REQUIRE(g_privateNetworkNamespace,
+                    "needs a private network namespace: " << g_privateNetworkNamespaceFailure);
     }
 };
 
-const uint8_t kForeignMac[6] = { 0x02, 0x00, 0x00, 0x77, 0x00, 0x05 };
+const uint8_t kForeignMac[6] = {0x02, 0x00, 0x00, 0x77, 0x00, 0x05};
 
 // A camera at 10.99.0.5/24 behind the adapter 192.168.77.1/24, listed by a GigE discovery pass.
 class ForeignSubnetGige : public DiscoveryGige {
@@ -42,8 +43,8 @@ protected:
     // Sets id to the listed identifier; skips the test when the link could not be built.
     void StartAndList(bool acknowledgesForceIp)
     {
-        GvcpResponderOnVeth::Identity identity { "VB3FAR", "Responder", "Far", {}, "10.99.0.5", "255.255.255.0",
-                                                 "10.99.0.1" };
+        GvcpResponderOnVeth::Identity identity{"VB3FAR",    "Responder",     "Far",      {},
+                                               "10.99.0.5", "255.255.255.0", "10.99.0.1"};
         std::copy(kForeignMac, kForeignMac + 6, identity.mac);
         camera = std::make_unique<GvcpResponderOnVeth>(identity, acknowledgesForceIp);
         std::string failure;
@@ -54,7 +55,7 @@ protected:
 
     std::string id;
     std::unique_ptr<GvcpResponderOnVeth> camera;
-    std::unique_ptr<GigeDiscoveryStage> stage;   // goes before the camera
+    std::unique_ptr<GigeDiscoveryStage> stage; // goes before the camera
 };
 
 } // namespace

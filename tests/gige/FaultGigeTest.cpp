@@ -156,11 +156,9 @@ protected:
         ASSERT_TRUE(WaitUntil([&] { return m_logger.lossLines.load() > lossesBefore; }))
             << fault << ": no \"Camera is lost.\" after 15 s";
         const double noticedAfter = secondsSinceStart();
-        ASSERT_TRUE(WaitUntil([&] { return !IsOpened(m_id); }))
-            << fault << ": the camera is still open after 15 s";
+        ASSERT_TRUE(WaitUntil([&] { return !IsOpened(m_id); })) << fault << ": the camera is still open after 15 s";
         const double droppedAfter = secondsSinceStart();
-        std::printf("%s: loss noticed after %.2f s, camera dropped after %.2f s\n", fault, noticedAfter,
-            droppedAfter);
+        std::printf("%s: loss noticed after %.2f s, camera dropped after %.2f s\n", fault, noticedAfter, droppedAfter);
         EXPECT_LT(droppedAfter, deadlineSeconds) << fault;
     }
 
@@ -175,7 +173,7 @@ protected:
             std::chrono::seconds(20));
     }
 
-    FakeGigeCamera m_process { "VB3FAULT1" };
+    FakeGigeCamera m_process{"VB3FAULT1"};
     TempDirectory m_directory;
     ListedCameras m_listed;
     StressListener m_logger;
@@ -195,8 +193,8 @@ TEST_F(FaultGige, AKilledCameraProcessIsNoticedDroppedAndListedAgainWhenBack)
     m_process.Kill();
     ASSERT_NO_FATAL_FAILURE(ExpectLossNoticedAndCameraDropped("killed camera process", kKilledHandledDeadlineSeconds));
     const std::uint64_t otherCameraFrames = m_frames.Of(SimulatedAreaCamera);
-    EXPECT_TRUE(WaitUntil([&] { return m_frames.Of(SimulatedAreaCamera) >= otherCameraFrames + 3; },
-        std::chrono::seconds(10)))
+    EXPECT_TRUE(
+        WaitUntil([&] { return m_frames.Of(SimulatedAreaCamera) >= otherCameraFrames + 3; }, std::chrono::seconds(10)))
         << "the other camera keeps streaming";
     EXPECT_EQ("1", GetCameraInfo(SimulatedAreaCamera, CAM_GRABBING));
 
@@ -233,7 +231,8 @@ TEST_F(FaultGige, UnInitRightAfterALossReturnsAtOnce)
     EXPECT_EQ(0, UnInit());
     m_initialized = false;
     const double unInitSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    std::printf("right after the kill: CloseCamera %.2f s; after the loss: UnInit %.2f s\n", closeSeconds, unInitSeconds);
+    std::printf("right after the kill: CloseCamera %.2f s; after the loss: UnInit %.2f s\n", closeSeconds,
+                unInitSeconds);
     EXPECT_LT(closeSeconds, 1.0);
     EXPECT_LT(unInitSeconds, 1.0);
 }
@@ -249,10 +248,9 @@ TEST_F(FaultGige, ACameraThatFallsSilentIsNoticedDroppedAndUsableWhenItAnswersAg
 
     m_process.Thaw();
     ASSERT_TRUE(ListedAgain()) << "the camera that answers again is listed again";
-    ASSERT_TRUE(WaitUntil([&] { return OpenCamera(m_id) == 0; }))
-        << "the camera can be opened again";
+    ASSERT_TRUE(WaitUntil([&] { return OpenCamera(m_id) == 0; })) << "the camera can be opened again";
     const std::uint64_t framesBefore = m_frames.Of(m_id);
-    ASSERT_EQ(0, StartGrab(m_id));   // the image listener, registered once, serves every camera
+    ASSERT_EQ(0, StartGrab(m_id)); // the image listener, registered once, serves every camera
     EXPECT_TRUE(WaitUntil([&] { return m_frames.Of(m_id) >= framesBefore + 3; }))
         << "frames arrive again; the camera counted " << GetCameraInfo(m_id, CAM_FRAME_COUNT) << " frames and "
         << GetCameraInfo(m_id, CAM_ERROR_COUNT) << " errors, open: " << IsOpened(m_id)

@@ -15,6 +15,7 @@ int main(int argc, char** argv)
     ::testing::InitGoogleTest(&argc, argv);
     g_privateNetworkNamespace = EnterPrivateNetworkNamespace(g_privateNetworkNamespaceFailure);
     if (!g_privateNetworkNamespace)
-        std::fprintf(stderr, "no private network namespace (GigE tests skip, or fail with CI=true): %s\n", g_privateNetworkNamespaceFailure.c_str());
+        std::fprintf(stderr, "no private network namespace (GigE tests skip, or fail with CI=true): %s\n",
+                     g_privateNetworkNamespaceFailure.c_str());
     return RUN_ALL_TESTS();
 }

@@ -31,7 +31,8 @@ class SdkGigeTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        VB3_REQUIRE(g_privateNetworkNamespace, "needs a private network namespace: " << g_privateNetworkNamespaceFailure);
+        VB3_REQUIRE(g_privateNetworkNamespace,
+                    "needs a private network namespace: " << g_privateNetworkNamespaceFailure);
         VB3_REQUIRE(FakeGigeCamera::ProgramAvailable(), FakeGigeCamera::kProgram << " (aravis-tools) is not installed");
         ASSERT_EQ(Init(), SDK_OK);
         ASSERT_TRUE(m_device.Start()) << "the simulated GigE Vision camera did not come up";
@@ -58,10 +59,18 @@ protected:
         for (ICameraInfo* info : DiscoveryByTLType(TL_GIGE)) {
             if (m_device.SerialNumber() == info->GetSerialNumber()) {
                 found = true;
-                listed = { info->GetTLType(), info->GetAccessStatus(), info->GetSerialNumber(), info->GetModelName(),
-                    info->GetUserDefinedName(), info->GetDeviceText(), info->GetGigEInfo(GIGE_IP),
-                    info->GetGigEInfo(GIGE_MAC), info->GetGigEInfo(GIGE_MASK), info->GetGigEInfo(GIGE_GATEWAY),
-                    info->GetGigEInfo(GIGE_HOST_INTERFACE_IP), info->GetDeviceText2() };
+                listed = {info->GetTLType(),
+                          info->GetAccessStatus(),
+                          info->GetSerialNumber(),
+                          info->GetModelName(),
+                          info->GetUserDefinedName(),
+                          info->GetDeviceText(),
+                          info->GetGigEInfo(GIGE_IP),
+                          info->GetGigEInfo(GIGE_MAC),
+                          info->GetGigEInfo(GIGE_MASK),
+                          info->GetGigEInfo(GIGE_GATEWAY),
+                          info->GetGigEInfo(GIGE_HOST_INTERFACE_IP),
+                          info->GetDeviceText2()};
             }
             info->Destroy();
         }

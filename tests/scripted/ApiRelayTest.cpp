@@ -22,8 +22,8 @@
 #include "support/scripted/ScriptedSdk.h"
 
 using namespace ViewerBiz3;
-using ::testing::HasSubstr;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 namespace {
@@ -80,9 +80,8 @@ public:
     bool WaitForCamera(const std::string& id)
     {
         std::unique_lock<std::mutex> lock(m_mutex);
-        return m_changed.wait_for(lock, std::chrono::seconds(10), [&] {
-            return std::find(m_cameras.begin(), m_cameras.end(), id) != m_cameras.end();
-        });
+        return m_changed.wait_for(lock, std::chrono::seconds(10),
+                                  [&] { return std::find(m_cameras.begin(), m_cameras.end(), id) != m_cameras.end(); });
     }
 
 private:
@@ -103,8 +102,8 @@ class RoiListener : public IROIDrawUpdate {
 public:
     RoiListener(int answerIndex, bool answerResult) : m_answerIndex(answerIndex), m_answerResult(answerResult) {}
 
-    void OnROIDrawUpdate(std::string id, int x, int y, int width, int height, int operation, int& index,
-                         bool& result, int extra1, int extra2) override
+    void OnROIDrawUpdate(std::string id, int x, int y, int width, int height, int operation, int& index, bool& result,
+                         int extra1, int extra2) override
     {
         calls.push_back(id + " " + std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(width) + " " +
                         std::to_string(height) + " op " + std::to_string(operation) + " index " +
@@ -280,7 +279,7 @@ TEST_F(ApiRelay, RegisteredListenersHearTheirEventsUntilUnregistered)
     ASSERT_EQ(0, RegisterTLTypeUpdateListener(&host));
     ASSERT_EQ(0, RegisterLayoutUpdateListener(&host));
     ASSERT_EQ(0, RegisterLangUpdateListener(&host));
-    ASSERT_EQ(0, RegisterLangUpdateListener(&host));  // twice: heard twice
+    ASSERT_EQ(0, RegisterLangUpdateListener(&host)); // twice: heard twice
 
     SetTLTypeList(8);
     SetImgLayout(static_cast<LAYOUT_TYPE>(4));
@@ -288,7 +287,7 @@ TEST_F(ApiRelay, RegisteredListenersHearTheirEventsUntilUnregistered)
 
     EXPECT_EQ(0, UnRegisterTLTypeUpdateListerner(&host));
     EXPECT_EQ(0, UnRegisterLayoutUpdateListener(&host));
-    EXPECT_EQ(0, UnRegisterLangUpdateListener(&host));  // one call removes both
+    EXPECT_EQ(0, UnRegisterLangUpdateListener(&host)); // one call removes both
     SetTLTypeList(2);
     SetImgLayout(static_cast<LAYOUT_TYPE>(5));
     SetLang("English");

@@ -147,12 +147,8 @@ TEST_F(CameraAcquisitionTest, FailedReadsAreCountedAndLoggedWithTheLastGoodId)
 
 TEST_F(CameraAcquisitionTest, FrameIdGapIsReportedOncePerPeriod)
 {
-    device.SetFrameScript(FrameScript::Empty()
-                              .AddFrames(1, 2)
-                              .AddFrames(5, 1)
-                              .AddFrames(9, 1)
-                              .AddFrames(20, 1)
-                              .Then(WhenExhausted::KeepTimingOut));
+    device.SetFrameScript(FrameScript::Empty().AddFrames(1, 2).AddFrames(5, 1).AddFrames(9, 1).AddFrames(20, 1).Then(
+        WhenExhausted::KeepTimingOut));
     Camera* camera = OpenedCamera();
     ASSERT_EQ(camera->StartGrab(0, continuous), 0);
     ASSERT_TRUE(device.WaitUntil([](const auto& c) { return c.stepsAnswered >= 6; }));
@@ -245,7 +241,8 @@ TEST_F(CameraAcquisitionTest, BandwidthFollowsFrameSizeAndRate)
     // 1000 x 500 RGB8 is 1.5 MB a frame: 12 Mbit.
     EXPECT_NEAR(bandwidth / rate, 12.0, 0.01);
     EXPECT_LE(displayRate, rate + 0.001);
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_FRAME_RATE).find('.') + 4, camera->GetInfo(ViewerBiz3::CAM_FRAME_RATE).size());
+    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_FRAME_RATE).find('.') + 4,
+              camera->GetInfo(ViewerBiz3::CAM_FRAME_RATE).size());
 
     // Every publication goes to the camera key, flagged as coming from acquisition.
     for (const auto& event : host.Statistics()) {

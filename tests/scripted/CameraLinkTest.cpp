@@ -157,13 +157,13 @@ TEST_F(CameraLinkTest, PlaceholderOfALostCameraBindsWithoutTheSdk)
     auto& device = ScriptedSdk::Instance().AddDevice(Scripted::CameraLinkCamera("C9", "card9"));
     ZYLGENICAM::ICamera* handle = CreateCameraHandle(ZYLGENICAM::TL_CAMERALINK, "C9");
     ASSERT_NE(handle, nullptr);
-    ASSERT_EQ(handle->Open(1), 0);  // its card side stays open
+    ASSERT_EQ(handle->Open(1), 0); // its card side stays open
     auto* placeholder = new CLCamera(handle);
     placeholder->SetName("Virtual camera-C9");
     placeholder->SetKey("Virtual camera-C9");
     placeholder->SetListKey("card9");
     placeholder->SetKind(4);
-    Manager().AddCLCamera(placeholder);  // as the watchdog hands a lost camera back
+    Manager().AddCLCamera(placeholder); // as the watchdog hands a lost camera back
     EXPECT_EQ(Manager().GetCameraInfo("Virtual camera-C9", ViewerBiz3::CAM_LIST_KEY), "card9");
     ASSERT_EQ(Manager().OpenCLCamera("Virtual camera-C9", "CameraLink", "COM1"), 0);
     EXPECT_TRUE(device.Counters().clProtocolCalls.empty());

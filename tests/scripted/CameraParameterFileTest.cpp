@@ -34,9 +34,9 @@ protected:
     static std::vector<std::string> ProfileFields(Camera& camera)
     {
         std::vector<std::string> fields;
-        for (ViewerBiz3::CAM_INFO info : {ViewerBiz3::CAM_IMAGE_BITS, ViewerBiz3::CAM_SAMPLING_RATIO,
-                                          ViewerBiz3::CAM_CONTOUR_SPACER, ViewerBiz3::CAM_REAL_COLOR,
-                                          ViewerBiz3::CAM_Z_UP_SIZE, ViewerBiz3::CAM_Z_DOWN_SIZE})
+        for (ViewerBiz3::CAM_INFO info :
+             {ViewerBiz3::CAM_IMAGE_BITS, ViewerBiz3::CAM_SAMPLING_RATIO, ViewerBiz3::CAM_CONTOUR_SPACER,
+              ViewerBiz3::CAM_REAL_COLOR, ViewerBiz3::CAM_Z_UP_SIZE, ViewerBiz3::CAM_Z_DOWN_SIZE})
             fields.push_back(camera.GetInfo(info));
         return fields;
     }

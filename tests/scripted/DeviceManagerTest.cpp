@@ -133,7 +133,8 @@ TEST_F(DeviceManagerTest, FrameLimitFollowsTheAcquisitionMode)
 
 TEST_F(DeviceManagerTest, FrameCountThatIsNoNumberMeansNoLimitAndIsLogged)
 {
-    Scripted::DeviceDescription description = DeviceScripted::GigECamera("S1", "Text", "169.254.10.22", "02:00:00:00:00:02");
+    Scripted::DeviceDescription description =
+        DeviceScripted::GigECamera("S1", "Text", "169.254.10.22", "02:00:00:00:00:02");
     std::string& xml = description.moduleXml[3];
     std::size_t begin = xml.find("<Integer Name=\"AcquisitionFrameCount\"");
     ASSERT_NE(begin, std::string::npos);
@@ -189,7 +190,8 @@ TEST_F(DeviceManagerTest, RenamedCameraIsFoundByOldKeyAndNewName)
 
 TEST_F(DeviceManagerTest, ShowModeAnswersMinusTwoEvenAfterAChange)
 {
-    Scripted::DeviceDescription showMode = DeviceScripted::GigECamera("Q1", "Show", "169.254.10.30", "02:00:00:00:00:03");
+    Scripted::DeviceDescription showMode =
+        DeviceScripted::GigECamera("Q1", "Show", "169.254.10.30", "02:00:00:00:00:03");
     showMode.identity.modelName = "QV-RM100";
     Scripted::ScriptedSdk::Instance().AddDevice(showMode);
     AddGigECamera("A1", "Plain", "169.254.10.20", "02:00:00:00:00:01");
@@ -316,8 +318,9 @@ TEST_F(DeviceManagerTest, LostCameraLeavesBothListsAndItsObjectIsFreedByTheNextP
     EXPECT_TRUE(WaitUntil([this] { return Manager().GetCameraInfo("Lost(L1)", ViewerBiz3::CAM_NAME).empty(); }));
     device.SetPresent(false);
     Discover({});
-    EXPECT_TRUE(device.WaitUntil([](const Scripted::DeviceCounters& c) { return c.camerasCreated == c.camerasDestroyed; }))
-        << "the lost camera's object gives its handle back once the pass has run";
+    EXPECT_TRUE(device.WaitUntil([](const Scripted::DeviceCounters& c) {
+        return c.camerasCreated == c.camerasDestroyed;
+    })) << "the lost camera's object gives its handle back once the pass has run";
     EXPECT_EQ(device.Counters().ImagesOutstanding(), 0u);
 }
 
@@ -337,5 +340,6 @@ TEST_F(DeviceManagerTest, AddressChangeIsRefusedWhileOpenAndRefreshesTheListOthe
     EXPECT_TRUE(device.Counters().cameraIPCalls[0].persistent);
     ASSERT_TRUE(bench.WaitForPasses(lists + 1)) << "the change asks for a GigE refresh";
     // A pass that searched before the change may come first; the requested one follows.
-    EXPECT_TRUE(WaitUntil([this] { return Manager().GetCameraInfo("Addr(P1)", ViewerBiz3::CAM_IP) == "169.254.10.99"; }));
+    EXPECT_TRUE(
+        WaitUntil([this] { return Manager().GetCameraInfo("Addr(P1)", ViewerBiz3::CAM_IP) == "169.254.10.99"; }));
 }

@@ -223,7 +223,8 @@ TEST_F(FaultInjection, AFrameGoesBackAfterTheLastOfItsListenersReleasedIt)
     ASSERT_EQ(0, UnRegisterImageUpdateListener(CameraId, &sink));
     const std::uint64_t handedOut = camera.Counters().imagesHandedOut;
     ASSERT_EQ(0, StartGrab(CameraId));
-    EXPECT_TRUE(camera.WaitUntil([&](const Scripted::DeviceCounters& c) { return c.imagesHandedOut >= handedOut + 20; }));
+    EXPECT_TRUE(
+        camera.WaitUntil([&](const Scripted::DeviceCounters& c) { return c.imagesHandedOut >= handedOut + 20; }));
     EXPECT_LE(camera.Counters().ImagesOutstanding(), 3u) << "with nobody watching, frames go back at once";
     EXPECT_EQ(0, CloseCamera(CameraId));
     ExpectClosedAndReleased();
@@ -306,7 +307,8 @@ TEST_F(FaultInjection, ALostCameraIsRemovedOnceAndItsReplacementOpens)
     EXPECT_TRUE(camera.WaitUntil([](const Scripted::DeviceCounters& c) { return c.ImagesOutstanding() == 0; }));
     EXPECT_TRUE(WaitUntil([&] { return logger.lossLines.load() >= 1; }));
 
-    Scripted::ScriptedDevice& replacement = Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
+    Scripted::ScriptedDevice& replacement =
+        Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
     ASSERT_EQ(0, RefreshCameraList(ZYLGENICAM::TL_GIGE));
     ASSERT_TRUE(WaitUntil([] { return IsListed(CameraId) && GetCameraInfo(CameraId, CAM_OPENED) == "0"; }));
     EXPECT_EQ(0, OpenCamera(CameraId));

@@ -44,8 +44,8 @@ protected:
 TEST_F(SLCameraTest, BandwidthCountsTheBytesOfAllChunks)
 {
     // 1 000 000 + 250 000 bytes a frame are 10 Mbit, whatever the pixel format says.
-    SLCamera* camera = GrabbingCamera(
-        FrameScript::Empty().Add(FrameStep::Frame(1, 8, 8).Chunks({1000000, 250000})).Period(20ms));
+    SLCamera* camera =
+        GrabbingCamera(FrameScript::Empty().Add(FrameStep::Frame(1, 8, 8).Chunks({1000000, 250000})).Period(20ms));
 
     ASSERT_TRUE(WaitUntil([&] { return Info(camera, ViewerBiz3::CAM_FRAME_COUNT) >= 20; }));
     const double rate = Info(camera, ViewerBiz3::CAM_FRAME_RATE);

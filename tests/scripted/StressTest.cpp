@@ -64,11 +64,11 @@ std::vector<Scripted::DeviceDescription> StressCameras()
 StressScene ScriptedScene()
 {
     StressScene scene;
-    for (const char* name : {"Cam1(S1)", "Cam1b(S1)", "Cam2(S2)", "Cam2b(S2)", "Cam3(S3)", "Prof(F100)",
-                             "Profb(F100)", "Nobody(0)"}) {
+    for (const char* name :
+         {"Cam1(S1)", "Cam1b(S1)", "Cam2(S2)", "Cam2b(S2)", "Cam3(S3)", "Prof(F100)", "Profb(F100)", "Nobody(0)"}) {
         scene.cameraIds.push_back(name);
     }
-    scene.renames = {{"Cam1(S1)", "Cam1b"}, {"Cam1b(S1)", "Cam1"}, {"Cam2(S2)", "Cam2b"},
+    scene.renames = {{"Cam1(S1)", "Cam1b"}, {"Cam1b(S1)", "Cam1"},   {"Cam2(S2)", "Cam2b"},
                      {"Cam2b(S2)", "Cam2"}, {"Prof(F100)", "Profb"}, {"Profb(F100)", "Prof"}};
     scene.nodes = {{"Width", {"320", "640", "99999"}},
                    {"Height", {"240", "480"}},
@@ -105,7 +105,10 @@ public:
     LossInjector(std::uint32_t seed, DeviceGenerations& generations) : m_random(seed), m_generations(generations) {}
     ~LossInjector() { Stop(); }
 
-    void Start() { m_thread = std::thread([this] { Run(); }); }
+    void Start()
+    {
+        m_thread = std::thread([this] { Run(); });
+    }
     void Stop()
     {
         m_stop.store(true);
@@ -213,17 +216,17 @@ TEST(Stress, HostThreadsSurviveLostCamerasAndLeaveNothingBehind)
     StressOutcomes outcomes;
     LossInjector losses(seed, generations);
     losses.Start();
-    const StressTotals totals = RunStressWorkers(HostThreads, seed, duration, StressApiOperations(scene, listener, outcomes), watchdog);
+    const StressTotals totals =
+        RunStressWorkers(HostThreads, seed, duration, StressApiOperations(scene, listener, outcomes), watchdog);
     losses.Stop();
 
     const std::vector<std::string> settings = StressCloseAllAndUnInit(watchdog);
 
-    std::printf("stress: %llu camera losses injected, %llu noticed (\"Camera is lost.\"), %llu frames, "
-                "%llu host events; all survived\n",
-                static_cast<unsigned long long>(losses.Losses()),
-                static_cast<unsigned long long>(lossCounter.lossLines.load()),
-                static_cast<unsigned long long>(sink.frames.load()),
-                static_cast<unsigned long long>(listener.events.load()));
+    std::printf(
+        "stress: %llu camera losses injected, %llu noticed (\"Camera is lost.\"), %llu frames, "
+        "%llu host events; all survived\n",
+        static_cast<unsigned long long>(losses.Losses()), static_cast<unsigned long long>(lossCounter.lossLines.load()),
+        static_cast<unsigned long long>(sink.frames.load()), static_cast<unsigned long long>(listener.events.load()));
     outcomes.Print();
     EXPECT_GT(totals.operations, 0u);
     EXPECT_TRUE(WaitForProcessThreadCount(threadsBefore, std::chrono::seconds(10)))

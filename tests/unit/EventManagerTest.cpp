@@ -59,7 +59,10 @@ public:
     }
     void OnImportUpdate(std::string text) override { Record("import " + text); }
     void OnLoggerUpdate(std::string source, std::string, std::string) override { Record("log " + source); }
-    void OnROIDrawUpdate(std::string id, int, int, int, int, int, int&, bool&, int, int) override { Record("roi " + id); }
+    void OnROIDrawUpdate(std::string id, int, int, int, int, int, int&, bool&, int, int) override
+    {
+        Record("roi " + id);
+    }
     void OnCorrectionUpdate(std::string id, int, float, void*) override { Record("correction " + id); }
     void OnLangUpdate(std::string language) override { Record("lang " + language); }
     void OnCameraIdUpdate(std::string oldId, std::string) override { Record("cameraId " + oldId); }
@@ -91,36 +94,28 @@ std::vector<ListAccess> AllLists()
 {
     void* frame = reinterpret_cast<void*>(0x1);
     return {
-        {"TLType",
-         [](EventManager& e, auto* l) { return e.RegisterTLTypeUpdateListener(l); },
+        {"TLType", [](EventManager& e, auto* l) { return e.RegisterTLTypeUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterTLTypeUpdateListener(l); },
          [](EventManager& e) { e.NotifyTLTypeUpdateListener(15); }},
-        {"DeviceList",
-         [](EventManager& e, auto* l) { return e.RegisterDeviceListUpdateListener(l); },
+        {"DeviceList", [](EventManager& e, auto* l) { return e.RegisterDeviceListUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterDeviceListUpdateListener(l); },
          [](EventManager& e) { e.NotifyDeviceListUpdateListener(1, {"eth0"}, {"Cam(1)"}); }},
-        {"Focus",
-         [](EventManager& e, auto* l) { return e.RegisterFocusUpdateListener(l); },
+        {"Focus", [](EventManager& e, auto* l) { return e.RegisterFocusUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterFocusUpdateListener(l); },
          [](EventManager& e) { e.NotifyFocusUpdateListener(FOCUS_CAMERA, "Cam(1)"); }},
-        {"Layout",
-         [](EventManager& e, auto* l) { return e.RegisterLayoutUpdateListener(l); },
+        {"Layout", [](EventManager& e, auto* l) { return e.RegisterLayoutUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterLayoutUpdateListener(l); },
          [](EventManager& e) { e.NotifyLayoutUpdateListener(static_cast<LAYOUT_TYPE>(4)); }},
-        {"Image",
-         [](EventManager& e, auto* l) { return e.RegisterImageUpdateListener("Cam(1)", l); },
+        {"Image", [](EventManager& e, auto* l) { return e.RegisterImageUpdateListener("Cam(1)", l); },
          [](EventManager& e, auto* l) { return e.UnRegisterImageUpdateListener("Cam(1)", l); },
          [frame](EventManager& e) { e.NotifyImageUpdateListener("Cam(1)", frame, 0, 0); }},
-        {"ImageMode",
-         [](EventManager& e, auto* l) { return e.RegisterImageModeUpdateListener(l); },
+        {"ImageMode", [](EventManager& e, auto* l) { return e.RegisterImageModeUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterImageModeUpdateListener(l); },
          [](EventManager& e) { e.NotifyImageModeUpdateListener("Cam(1)", 2); }},
-        {"SLImageShowMode",
-         [](EventManager& e, auto* l) { return e.RegisterSLImageShowModeUpdateListener(l); },
+        {"SLImageShowMode", [](EventManager& e, auto* l) { return e.RegisterSLImageShowModeUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterSLImageShowModeUpdateListener(l); },
          [](EventManager& e) { e.NotifySLImageShowModeUpdateListener("SL(1)", 1); }},
-        {"AcqStatistic",
-         [](EventManager& e, auto* l) { return e.RegisterAcqStatisticUpdateListener(l); },
+        {"AcqStatistic", [](EventManager& e, auto* l) { return e.RegisterAcqStatisticUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterAcqStatisticUpdateListener(l); },
          [](EventManager& e) { e.NotifyAcqStatisticUpdateListener("Cam", false); }},
         {"CardTimerNode",
@@ -131,32 +126,26 @@ std::vector<ListAccess> AllLists()
          [](EventManager& e, auto* l) { return e.RegisterCameraTimerNodeUpdateListener("Cam", "Temp", 1000, l); },
          [](EventManager& e, auto* l) { return e.UnRegisterCameraTimerNodeUpdateListener("Cam", "Temp", 1000, l); },
          [](EventManager& e) { e.NotifyCameraTimerNodeUpdateListener("Cam", "Temp", "41"); }},
-        {"Import",
-         [](EventManager& e, auto* l) { return e.RegisterImportUpdateListener(l); },
+        {"Import", [](EventManager& e, auto* l) { return e.RegisterImportUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterImportUpdateListener(l); },
          [](EventManager& e) { e.NotifyImportUpdateListener("file.xml"); }},
-        {"Logger",
-         [](EventManager& e, auto* l) { return e.RegisterLoggerUpdateListener(l); },
+        {"Logger", [](EventManager& e, auto* l) { return e.RegisterLoggerUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterLoggerUpdateListener(l); },
          [](EventManager& e) { e.NotifyLoggerUpdateListener("Cam", "Info", "opened"); }},
-        {"ROI",
-         [](EventManager& e, auto* l) { return e.RegisterROIUpdateListener(l); },
+        {"ROI", [](EventManager& e, auto* l) { return e.RegisterROIUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterROIUpdateListener(l); },
          [](EventManager& e) {
              int index = 0;
              bool result = false;
              e.NotifyROIUpdateListener("Cam", 1, 2, 3, 4, 0, index, result, 0, 0);
          }},
-        {"Correction",
-         [](EventManager& e, auto* l) { return e.RegisterCorrectionUpdateListener(l); },
+        {"Correction", [](EventManager& e, auto* l) { return e.RegisterCorrectionUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterCorrectionUpdateListener(l); },
          [](EventManager& e) { e.NotifyCorrectionUpdateListener("Cam", 1, 2.0f, nullptr); }},
-        {"Lang",
-         [](EventManager& e, auto* l) { return e.RegisterLangUpdateListener(l); },
+        {"Lang", [](EventManager& e, auto* l) { return e.RegisterLangUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterLangUpdateListener(l); },
          [](EventManager& e) { e.NotifyLangUpdateListener("Chinese"); }},
-        {"CameraId",
-         [](EventManager& e, auto* l) { return e.RegisterCameraIdUpdateListener(l); },
+        {"CameraId", [](EventManager& e, auto* l) { return e.RegisterCameraIdUpdateListener(l); },
          [](EventManager& e, auto* l) { return e.UnRegisterCameraIdUpdateListener(l); },
          [](EventManager& e) { e.NotifyCameraIdUpdateListener("Old(1)", "New"); }},
     };

@@ -16,13 +16,15 @@ using namespace GenApi;
 
 namespace {
 
-std::unique_ptr<INodeMap> LoadFeatures() {
+std::unique_ptr<INodeMap> LoadFeatures()
+{
     const std::string xml = ReadTextFile(std::string(VB3_TEST_DATA_DIR) + "/genapi_features.xml");
     EXPECT_FALSE(xml.empty());
     return CreateNodeMapFromXml(xml, "GenApiTestDevice");
 }
 
-std::vector<std::string> NamesOf(const NodeList_t& nodes) {
+std::vector<std::string> NamesOf(const NodeList_t& nodes)
+{
     std::vector<std::string> names;
     for (INode* node : nodes) {
         names.push_back(node->GetName());
@@ -37,7 +39,8 @@ protected:
 
 } // namespace
 
-TEST_F(GenApiNodeMap, FindsNodesByNameAndKeepsThemStable) {
+TEST_F(GenApiNodeMap, FindsNodesByNameAndKeepsThemStable)
+{
     INode* width = nodeMap->GetNode("Width");
     ASSERT_NE(width, nullptr);
     EXPECT_EQ(width, nodeMap->GetNode("Width"));
@@ -55,7 +58,8 @@ TEST_F(GenApiNodeMap, FindsNodesByNameAndKeepsThemStable) {
     EXPECT_EQ(nodeMap->GetNode("EnumEntry_PixelFormat_Nothing"), nullptr);
 }
 
-TEST_F(GenApiNodeMap, AccessModeFoldsInImplementedAvailableAndLocked) {
+TEST_F(GenApiNodeMap, AccessModeFoldsInImplementedAvailableAndLocked)
+{
     const std::vector<std::pair<const char*, EAccessMode>> expected = {{"Width", RW},
                                                                        {"SensorWidth", RO},
                                                                        {"DeviceKey", WO},
@@ -81,7 +85,8 @@ TEST_F(GenApiNodeMap, AccessModeFoldsInImplementedAvailableAndLocked) {
     EXPECT_FALSE(IsWritable(CIntegerPtr(nodeMap->GetNode("LockedFeature"))));
 }
 
-TEST_F(GenApiNodeMap, IntegerWritesAreVerifiedAgainstRangeIncrementAndAccess) {
+TEST_F(GenApiNodeMap, IntegerWritesAreVerifiedAgainstRangeIncrementAndAccess)
+{
     CIntegerPtr width = nodeMap->GetNode("Width");
     EXPECT_EQ(width->GetValue(), 640);
     EXPECT_EQ(width->GetMin(), 16);
@@ -117,7 +122,8 @@ struct IntegerText {
     const char* written;
 };
 
-void PrintTo(const IntegerText& text, std::ostream* out) {
+void PrintTo(const IntegerText& text, std::ostream* out)
+{
     *out << text.node << '=' << text.text;
 }
 
@@ -125,7 +131,8 @@ class GenApiIntegerText : public GenApiNodeMap, public ::testing::WithParamInter
 
 } // namespace
 
-TEST_P(GenApiIntegerText, FromStringReadsDecimalUnlessPrefixed0xAndToStringWritesTheRepresentation) {
+TEST_P(GenApiIntegerText, FromStringReadsDecimalUnlessPrefixed0xAndToStringWritesTheRepresentation)
+{
     CIntegerPtr node = nodeMap->GetNode(GetParam().node);
     node->FromString(GetParam().text);
     EXPECT_EQ(node->GetValue(), GetParam().value);
@@ -147,14 +154,20 @@ INSTANTIATE_TEST_SUITE_P(
                       IntegerText{"MacAddress", "00:0c:29:AA:bb:cc", 0x000C29AABBCC, "00:0c:29:aa:bb:cc"},
                       IntegerText{"MacAddress", "0x1", 1, "00:00:00:00:00:01"}));
 
-TEST_F(GenApiNodeMap, IntegerFromStringRefusesTextOfNoForm) {
-    const std::vector<std::pair<const char*, const char*>> malformed = {
-        {"Height", "12abc"},           {"Height", ""},
-        {"Height", "99999999999999999999999"}, {"Height", "0x"},
-        {"Height", "0x0x1"},           {"Height", "-0x10"},
-        {"Height", "10.0.0.1"},        {"PersistentIP", "256.0.0.1"},
-        {"PersistentIP", "1.2.3"},     {"PersistentIP", "1.2.3.4.5"},
-        {"MacAddress", "00:0c:29:aa:bb"}, {"MacAddress", "0x11112222333344445"}};
+TEST_F(GenApiNodeMap, IntegerFromStringRefusesTextOfNoForm)
+{
+    const std::vector<std::pair<const char*, const char*>> malformed = {{"Height", "12abc"},
+                                                                        {"Height", ""},
+                                                                        {"Height", "99999999999999999999999"},
+                                                                        {"Height", "0x"},
+                                                                        {"Height", "0x0x1"},
+                                                                        {"Height", "-0x10"},
+                                                                        {"Height", "10.0.0.1"},
+                                                                        {"PersistentIP", "256.0.0.1"},
+                                                                        {"PersistentIP", "1.2.3"},
+                                                                        {"PersistentIP", "1.2.3.4.5"},
+                                                                        {"MacAddress", "00:0c:29:aa:bb"},
+                                                                        {"MacAddress", "0x11112222333344445"}};
     for (const auto& [name, text] : malformed) {
         CIntegerPtr node = nodeMap->GetNode(name);
         const int64_t before = node->GetValue();
@@ -163,7 +176,8 @@ TEST_F(GenApiNodeMap, IntegerFromStringRefusesTextOfNoForm) {
     }
 }
 
-TEST_F(GenApiNodeMap, FloatsVerifyMinAndMaxButNotTheIncrement) {
+TEST_F(GenApiNodeMap, FloatsVerifyMinAndMaxButNotTheIncrement)
+{
     CFloatPtr gain = nodeMap->GetNode("Gain");
     EXPECT_DOUBLE_EQ(gain->GetValue(), 0.5);
     EXPECT_EQ(std::string(gain->GetUnit()), "dB");
@@ -183,7 +197,8 @@ TEST_F(GenApiNodeMap, FloatsVerifyMinAndMaxButNotTheIncrement) {
     EXPECT_THROW(exposure->FromString("fast"), GenICam::InvalidArgumentException);
 }
 
-TEST_F(GenApiNodeMap, FloatIncrementFollowsPValueLikeMinAndMaxAndItsAbsenceIsARuntimeError) {
+TEST_F(GenApiNodeMap, FloatIncrementFollowsPValueLikeMinAndMaxAndItsAbsenceIsARuntimeError)
+{
     CFloatPtr alias = nodeMap->GetNode("GainAlias");
     EXPECT_TRUE(alias->HasInc());
     EXPECT_DOUBLE_EQ(alias->GetInc(), 0.5);
@@ -194,7 +209,8 @@ TEST_F(GenApiNodeMap, FloatIncrementFollowsPValueLikeMinAndMaxAndItsAbsenceIsARu
     EXPECT_THROW(exposure->GetInc(), GenICam::RuntimeException);
 }
 
-TEST_F(GenApiNodeMap, RegistersOfferTheirBytesGetChecksReadabilityAlwaysSetWritabilityWhenVerifying) {
+TEST_F(GenApiNodeMap, RegistersOfferTheirBytesGetChecksReadabilityAlwaysSetWritabilityWhenVerifying)
+{
     CRegisterPtr lut = nodeMap->GetNode("LutTable");
     ASSERT_TRUE(lut.IsValid());
     EXPECT_EQ(lut->GetAddress(), 0x2000);
@@ -212,7 +228,8 @@ TEST_F(GenApiNodeMap, RegistersOfferTheirBytesGetChecksReadabilityAlwaysSetWrita
     EXPECT_THROW(CRegisterPtr(nodeMap->GetNode("HiddenBlob"))->Set(bytes, 8), GenICam::AccessException);
 }
 
-TEST_F(GenApiNodeMap, BooleanAndStringValues) {
+TEST_F(GenApiNodeMap, BooleanAndStringValues)
+{
     CBooleanPtr reverse = nodeMap->GetNode("ReverseX");
     EXPECT_FALSE(reverse->GetValue());
     reverse->FromString("True");
@@ -229,7 +246,8 @@ TEST_F(GenApiNodeMap, BooleanAndStringValues) {
     EXPECT_EQ(std::string(CStringPtr(nodeMap->GetNode("DeviceModelName"))->GetValue()), "VB3-Test-Model");
 }
 
-TEST_F(GenApiNodeMap, CommandsExecuteAndReportCompletion) {
+TEST_F(GenApiNodeMap, CommandsExecuteAndReportCompletion)
+{
     CCommandPtr start = nodeMap->GetNode("AcquisitionStart");
     CIntegerPtr raw = nodeMap->GetNode("AcquisitionStartRaw");
     EXPECT_TRUE(start->IsDone());
@@ -244,7 +262,8 @@ TEST_F(GenApiNodeMap, CommandsExecuteAndReportCompletion) {
     EXPECT_TRUE(reset->IsDone());
 }
 
-TEST_F(GenApiNodeMap, EnumerationEntriesInDocumentOrderWithAvailability) {
+TEST_F(GenApiNodeMap, EnumerationEntriesInDocumentOrderWithAvailability)
+{
     CEnumerationPtr pixelFormat = nodeMap->GetNode("PixelFormat");
     NodeList_t entries;
     pixelFormat->GetEntries(entries);
@@ -275,7 +294,8 @@ TEST_F(GenApiNodeMap, EnumerationEntriesInDocumentOrderWithAvailability) {
     EXPECT_THROW(mode->FromString("SingleFrame"), GenICam::AccessException);
 }
 
-TEST_F(GenApiNodeMap, AravisErrorsBecomeGenICamExceptions) {
+TEST_F(GenApiNodeMap, AravisErrorsBecomeGenICamExceptions)
+{
     // The register needs a device, and this node map has none.
     try {
         CIntegerPtr(nodeMap->GetNode("DeviceTemperatureRaw"))->GetValue();
@@ -286,7 +306,8 @@ TEST_F(GenApiNodeMap, AravisErrorsBecomeGenICamExceptions) {
     EXPECT_EQ(CIntegerPtr(nodeMap->GetNode("Width"))->GetValue(), 640);
 }
 
-TEST(GenApiNodeMapFactory, RefusesDocumentsThatAreNotGenICam) {
+TEST(GenApiNodeMapFactory, RefusesDocumentsThatAreNotGenICam)
+{
     EXPECT_THROW(CreateNodeMapFromXml("", "Empty"), GenICam::RuntimeException);
     EXPECT_THROW(CreateNodeMapFromXml("<RegisterDescription", "Broken"), GenICam::RuntimeException);
     EXPECT_THROW(CreateNodeMapFromXml("<RegisterDescription><Integer Name=\"A\"><Value>1</Value></Integer>", "Cut"),
@@ -299,7 +320,8 @@ TEST(GenApiNodeMapFactory, RefusesDocumentsThatAreNotGenICam) {
     EXPECT_THROW(CreateNodeMapForDevice(nullptr), GenICam::LogicalErrorException);
 }
 
-TEST_F(GenApiNodeMap, SerializesConcurrentUseFromSeveralThreads) {
+TEST_F(GenApiNodeMap, SerializesConcurrentUseFromSeveralThreads)
+{
     std::atomic<int> failures{0};
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {
@@ -326,7 +348,8 @@ TEST_F(GenApiNodeMap, SerializesConcurrentUseFromSeveralThreads) {
 }
 
 // Two cameras opened at once each have their description parsed; neither may lose nodes or crash.
-TEST(GenApiNodeMapFactory, DescriptionsParsedOnSeveralThreadsAtOnceComeOutWhole) {
+TEST(GenApiNodeMapFactory, DescriptionsParsedOnSeveralThreadsAtOnceComeOutWhole)
+{
     const std::string xml = ReadTextFile(std::string(VB3_TEST_DATA_DIR) + "/vendor_gige_area_camera.xml");
     std::atomic<int> incomplete{0};
     std::vector<std::thread> threads;

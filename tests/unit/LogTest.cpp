@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-
 #include <atomic>
 #include <filesystem>
 #include <mutex>
@@ -64,8 +63,7 @@ std::string LogFile(const std::string& directory)
 }
 
 // time, severity, thread, [function@line], message: one line per record.
-std::regex RecordPattern(const std::string& severity, const std::string& function, int line,
-                         const std::string& text)
+std::regex RecordPattern(const std::string& severity, const std::string& function, int line, const std::string& text)
 {
     return std::regex(R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} )" + severity + R"( *\[\d+\] \[void Utilities::)" +
                       function + R"(\(const std::string &, const std::string &, int\)@)" + std::to_string(line) +
@@ -91,9 +89,9 @@ TEST(LogRecords, EachLevelWritesOneLineWithItsSeverityFunctionAndLine)
     ASSERT_EQ(10u, lines.size());
     for (std::size_t i = 0; i < 5; ++i) {
         const Level& level = levels[i];
-        EXPECT_TRUE(std::regex_match(lines[2 * i], RecordPattern(level.severity, level.function, level.quietLine,
-                                                                 std::string("source = Cam\\(1\\), message = quiet ") +
-                                                                     level.word)))
+        EXPECT_TRUE(std::regex_match(lines[2 * i],
+                                     RecordPattern(level.severity, level.function, level.quietLine,
+                                                   std::string("source = Cam\\(1\\), message = quiet ") + level.word)))
             << lines[2 * i];
         EXPECT_TRUE(std::regex_match(lines[2 * i + 1],
                                      RecordPattern(level.severity, level.function, level.notifyingLine,

@@ -24,10 +24,12 @@ protected:
     std::string message = "before";
 
     int Get(const std::string& name) { return GetNodeValue(nodeMap.get(), name, value, message); }
-    int Set(const std::string& name, const std::string& text) {
+    int Set(const std::string& name, const std::string& text)
+    {
         return SetNodeValue(nodeMap.get(), name, text, message);
     }
-    std::string Read(const std::string& name) {
+    std::string Read(const std::string& name)
+    {
         std::string text;
         std::string ignored;
         EXPECT_EQ(GetNodeValue(nodeMap.get(), name, text, ignored), 0) << name << ": " << ignored;
@@ -53,7 +55,8 @@ struct FailingNode : GenApi::INode {
 
 struct FailingNodeMap : GenApi::INodeMap {
     mutable FailingNode node;
-    GenApi::INode* GetNode(const GenICam::gcstring& name) const override {
+    GenApi::INode* GetNode(const GenICam::gcstring& name) const override
+    {
         if (name == "Throw") {
             throw GenICam::RuntimeException("lookup failed");
         }
@@ -65,7 +68,8 @@ struct FailingNodeMap : GenApi::INodeMap {
 
 } // namespace
 
-TEST_F(NodeAccess, NullNodeMapIsRefusedBeforeTheNameIsLooked) {
+TEST_F(NodeAccess, NullNodeMapIsRefusedBeforeTheNameIsLooked)
+{
     std::string min = "m", max = "M", inc = "i";
     EXPECT_EQ(GetNodeValue(nullptr, "Width", value, message), -1);
     EXPECT_EQ(message, "Nodemap is NULL");
@@ -78,7 +82,8 @@ TEST_F(NodeAccess, NullNodeMapIsRefusedBeforeTheNameIsLooked) {
     EXPECT_EQ(value + min + max + inc, "beforemMi");
 }
 
-TEST_F(NodeAccess, UnknownEmptyAndOverlongNamesDoNotExist) {
+TEST_F(NodeAccess, UnknownEmptyAndOverlongNamesDoNotExist)
+{
     std::string min, max, inc;
     for (const std::string& name : {std::string("NoSuchNode"), std::string(), std::string(65536, 'N')}) {
         message.clear();
@@ -94,7 +99,8 @@ TEST_F(NodeAccess, UnknownEmptyAndOverlongNamesDoNotExist) {
     EXPECT_EQ(value, "before");
 }
 
-TEST_F(NodeAccess, ReadsEveryValueTypeAsText) {
+TEST_F(NodeAccess, ReadsEveryValueTypeAsText)
+{
     EXPECT_EQ(Read("Width"), "640");
     EXPECT_EQ(Read("ReverseX"), "False");
     EXPECT_EQ(Read("Gain"), "0.500000");
@@ -112,7 +118,8 @@ TEST_F(NodeAccess, ReadsEveryValueTypeAsText) {
     EXPECT_EQ(message, "before");
 }
 
-TEST_F(NodeAccess, ReadsOfNodesWithoutAValueAreUnsupported) {
+TEST_F(NodeAccess, ReadsOfNodesWithoutAValueAreUnsupported)
+{
     for (const char* name : {"AcquisitionStart", "Root", "LutTable", "Device", "EnumEntry_PixelFormat_Mono8"}) {
         message.clear();
         EXPECT_EQ(Get(name), -6) << name;
@@ -121,7 +128,8 @@ TEST_F(NodeAccess, ReadsOfNodesWithoutAValueAreUnsupported) {
     EXPECT_EQ(value, "before");
 }
 
-TEST_F(NodeAccess, UnreadableNodesGiveMinusFive) {
+TEST_F(NodeAccess, UnreadableNodesGiveMinusFive)
+{
     for (const char* name : {"DeviceKey", "UnimplementedFeature", "FloatAvailabilityFeature"}) {
         message.clear();
         EXPECT_EQ(Get(name), -5) << name;
@@ -130,7 +138,8 @@ TEST_F(NodeAccess, UnreadableNodesGiveMinusFive) {
     EXPECT_EQ(value, "before");
 }
 
-TEST_F(NodeAccess, FailedAvailabilityTestGivesMinusNine) {
+TEST_F(NodeAccess, FailedAvailabilityTestGivesMinusNine)
+{
     EXPECT_EQ(Get("UnavailableFeature"), -9);
     EXPECT_EQ(message, "Get pIsAvailable failed!");
     message.clear();
@@ -147,7 +156,8 @@ TEST_F(NodeAccess, FailedAvailabilityTestGivesMinusNine) {
     EXPECT_EQ(message, "Node unwritable");
 }
 
-TEST_F(NodeAccess, GenICamExceptionsBecomeMinusSevenWithTheirDescription) {
+TEST_F(NodeAccess, GenICamExceptionsBecomeMinusSevenWithTheirDescription)
+{
     EXPECT_EQ(Get("DeviceTemperatureRaw"), -7);
     EXPECT_NE(message.find("No device set"), std::string::npos) << message;
     EXPECT_EQ(Set("Width", "2000"), -7);
@@ -161,7 +171,8 @@ TEST_F(NodeAccess, GenICamExceptionsBecomeMinusSevenWithTheirDescription) {
     EXPECT_EQ(Read("PixelFormat"), "Mono8");
 }
 
-TEST_F(NodeAccess, OtherExceptionsAreMinusEightAndLookupExceptionsPropagate) {
+TEST_F(NodeAccess, OtherExceptionsAreMinusEightAndLookupExceptionsPropagate)
+{
     FailingNodeMap failing;
     std::string min, max, inc;
     EXPECT_EQ(GetNodeValue(&failing, "Any", value, message), -8);
@@ -173,7 +184,8 @@ TEST_F(NodeAccess, OtherExceptionsAreMinusEightAndLookupExceptionsPropagate) {
     EXPECT_THROW(GetIntNodeInfo(&failing, "Throw", value, min, max, inc, message), GenICam::RuntimeException);
 }
 
-TEST_F(NodeAccess, WritesConvertTextTheWayTheCameraCodeAlwaysHas) {
+TEST_F(NodeAccess, WritesConvertTextTheWayTheCameraCodeAlwaysHas)
+{
     EXPECT_EQ(Set("Width", "512"), 0);
     EXPECT_EQ(Read("Width"), "512");
     EXPECT_EQ(Set("Width", "  264 pixels"), 0);
@@ -203,7 +215,8 @@ TEST_F(NodeAccess, WritesConvertTextTheWayTheCameraCodeAlwaysHas) {
     EXPECT_EQ(message, "before");
 }
 
-TEST_F(NodeAccess, UnwritableNodesGiveMinusFive) {
+TEST_F(NodeAccess, UnwritableNodesGiveMinusFive)
+{
     for (const char* name : {"SensorWidth", "DeviceModelName", "LockedFeature", "UnimplementedFeature"}) {
         message.clear();
         EXPECT_EQ(Set(name, "1"), -5) << name;
@@ -219,7 +232,8 @@ TEST_F(NodeAccess, UnwritableNodesGiveMinusFive) {
     EXPECT_EQ(Read("AcquisitionMode"), "Continuous");
 }
 
-TEST_F(NodeAccess, WritesToNodesWithoutAValueAreUnsupported) {
+TEST_F(NodeAccess, WritesToNodesWithoutAValueAreUnsupported)
+{
     for (const char* name : {"Root", "LutTable", "Device", "EnumEntry_PixelFormat_Mono8"}) {
         message.clear();
         EXPECT_EQ(Set(name, "1"), -6) << name;
@@ -227,7 +241,8 @@ TEST_F(NodeAccess, WritesToNodesWithoutAValueAreUnsupported) {
     }
 }
 
-TEST_F(NodeAccess, IntegerInfoGivesValueAndRange) {
+TEST_F(NodeAccess, IntegerInfoGivesValueAndRange)
+{
     std::string min = "m", max = "M", inc = "i";
     EXPECT_EQ(GetIntNodeInfo(nodeMap.get(), "Width", value, min, max, inc, message), 0);
     EXPECT_EQ(value, "640");
@@ -245,4 +260,3 @@ TEST_F(NodeAccess, IntegerInfoGivesValueAndRange) {
     EXPECT_EQ(GetIntNodeInfo(nodeMap.get(), "DeviceTemperatureRaw", value, min, max, inc, message), -7);
     EXPECT_EQ(value + min + max + inc, "vmMi");
 }
-

@@ -158,8 +158,7 @@ TEST_F(SettingsFile, EverySettingSurvivesASaveAndLoad)
     EXPECT_EQ(7, after->GetLayoutType());
     EXPECT_EQ("Deutsch", after->GetLanguage());
     for (int which = 0; which < ParameterManager::SettingCount; ++which) {
-        EXPECT_EQ("value " + std::to_string(which), after->GetParamterInfo(Setting(which)))
-            << which;
+        EXPECT_EQ("value " + std::to_string(which), after->GetParamterInfo(Setting(which))) << which;
     }
 }
 

@@ -101,7 +101,8 @@ TEST(SettingsDurability, AKilledSaveLeavesEitherTheOldOrTheNewFile)
     }
     const std::size_t leftovers = TemporaryFiles(directory);
     std::printf("settings durability: %d kills, file intact every time (%d unchanged, %d replaced); "
-                "%zu temporary files left beside it\n", iteration, olds, news, leftovers);
+                "%zu temporary files left beside it\n",
+                iteration, olds, news, leftovers);
     EXPECT_GE(iteration, 50);
     EXPECT_LE(leftovers, 1u) << "a save killed in flight may leave its temporary file; no more may pile up";
 }

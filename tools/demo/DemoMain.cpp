@@ -35,7 +35,7 @@ const char* const Usage =
 struct Options {
     unsigned long long transports = TransportSimulated;
     bool verbose = false;
-    std::vector<std::string> words;  // the command and its arguments
+    std::vector<std::string> words; // the command and its arguments
     GrabLimit limit;
     bool hasLimit = false;
     bool persistent = false;

@@ -25,19 +25,32 @@ using ViewerBiz3::GetCameraInfo;
 const char* DescribeResult(int code)
 {
     switch (code) {
-    case 0: return "ok";
-    case -1: return "unknown device, wrong state or failure";
-    case -2: return "wrong kind of device, or refused by the camera SDK";
-    case -4: return "no such feature";
-    case -5: return "the feature cannot be read or written now";
-    case -6: return "unsupported feature type";
-    case -7: return "GenICam error";
-    case -8: return "unexpected error in the feature access";
-    case -9: return "the feature is not available";
-    case -10: return "address conflict: another device uses the same IP address";
-    case -11: return "refused while the camera is busy, or timeout";
-    case -12: return "the camera is not open";
-    default: return "camera SDK error";
+    case 0:
+        return "ok";
+    case -1:
+        return "unknown device, wrong state or failure";
+    case -2:
+        return "wrong kind of device, or refused by the camera SDK";
+    case -4:
+        return "no such feature";
+    case -5:
+        return "the feature cannot be read or written now";
+    case -6:
+        return "unsupported feature type";
+    case -7:
+        return "GenICam error";
+    case -8:
+        return "unexpected error in the feature access";
+    case -9:
+        return "the feature is not available";
+    case -10:
+        return "address conflict: another device uses the same IP address";
+    case -11:
+        return "refused while the camera is busy, or timeout";
+    case -12:
+        return "the camera is not open";
+    default:
+        return "camera SDK error";
     }
 }
 
@@ -49,8 +62,8 @@ int ReportFailure(const std::string& what, int code)
 
 std::string KindName(const std::string& kind)
 {
-    static const char* const names[] = {"area camera", "profile camera", "?", "USB camera", "Camera Link camera",
-                                        "show-mode camera"};
+    static const char* const names[] = {"area camera", "profile camera",     "?",
+                                        "USB camera",  "Camera Link camera", "show-mode camera"};
     const int value = std::atoi(kind.c_str());
     return kind + " (" + (kind.empty() || value < 0 || value > 5 ? std::string("?") : names[value]) + ")";
 }
@@ -233,7 +246,8 @@ void PrepareForPicture(const std::string& id)
 std::string DefaultPngPath(const std::string& id)
 {
     std::string serial = GetCameraInfo(id, ViewerBiz3::CAM_SERIAL);
-    std::replace_if(serial.begin(), serial.end(), [](char c) { return c == '/' || c == ' '; }, '_');
+    std::replace_if(
+        serial.begin(), serial.end(), [](char c) { return c == '/' || c == ' '; }, '_');
     return "vb3-" + (serial.empty() ? std::string("camera") : serial) + ".png";
 }
 
@@ -306,7 +320,8 @@ int ListDevices(LibrarySession& session)
     const std::vector<std::string> ids = SortedCameraIds(session);
     std::printf("%-36s %-22s %-14s %-16s %s\n", "IDENTIFIER", "KIND", "ADAPTER", "ADDRESS", "AVAILABLE");
     for (const std::string& id : ids) {
-        std::printf("%-36s %-22s %-14s %-16s %s\n", id.c_str(), KindName(GetCameraInfo(id, ViewerBiz3::CAM_KIND)).c_str(),
+        std::printf("%-36s %-22s %-14s %-16s %s\n", id.c_str(),
+                    KindName(GetCameraInfo(id, ViewerBiz3::CAM_KIND)).c_str(),
                     OrDash(GetCameraInfo(id, ViewerBiz3::CAM_LIST_KEY)).c_str(),
                     OrDash(GetCameraInfo(id, ViewerBiz3::CAM_IP)).c_str(),
                     GetCameraInfo(id, ViewerBiz3::CAM_AVAILABLE) == "1" ? "yes" : "no");
@@ -336,8 +351,7 @@ int GetFeature(LibrarySession& session, const std::string& camera, const std::st
     });
 }
 
-int SetFeature(LibrarySession& session, const std::string& camera, const std::string& feature,
-               const std::string& value)
+int SetFeature(LibrarySession& session, const std::string& camera, const std::string& feature, const std::string& value)
 {
     return WithOpenedCamera(session, camera, [&feature, &value](const std::string& id) {
         const int result = ViewerBiz3::SetCameraNodeValue(id, feature, value);

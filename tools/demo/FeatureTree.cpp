@@ -111,8 +111,8 @@ bool FeatureTree::Parse(const std::string& xml, std::string& error)
 
 std::size_t FeatureTree::FeatureCount() const
 {
-    return static_cast<std::size_t>(std::count_if(m_nodes.begin(), m_nodes.end(),
-                                                  [](const auto& entry) { return entry.second.element != "Category"; }));
+    return static_cast<std::size_t>(std::count_if(
+        m_nodes.begin(), m_nodes.end(), [](const auto& entry) { return entry.second.element != "Category"; }));
 }
 
 std::string FeatureTree::Property(const Node& node, const std::string& name) const
@@ -151,8 +151,7 @@ std::string FeatureTree::Access(const Node& node, int depth) const
     return node.properties.count("Value") != 0 ? "RW" : "RO";
 }
 
-std::string FeatureTree::Bound(const Node& node, const std::string& name, const ValueReader& readValue,
-                               int depth) const
+std::string FeatureTree::Bound(const Node& node, const std::string& name, const ValueReader& readValue, int depth) const
 {
     const std::string literal = Property(node, name);
     if (!literal.empty()) {
@@ -224,9 +223,8 @@ void FeatureTree::PrintFeature(std::ostream& out, const std::string& name, const
 {
     const std::string type = TypeName(node);
     const std::string access = Access(node, 0);
-    out << std::string(static_cast<std::size_t>(depth) * 2, ' ') << std::left
-        << std::setw(std::max(8, 40 - depth * 2)) << name << ' ' << std::setw(12) << type << ' ' << std::setw(3)
-        << access;
+    out << std::string(static_cast<std::size_t>(depth) * 2, ' ') << std::left << std::setw(std::max(8, 40 - depth * 2))
+        << name << ' ' << std::setw(12) << type << ' ' << std::setw(3) << access;
     std::string value;
     if (type == "Command") {
         out << "  (command)";

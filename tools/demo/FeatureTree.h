@@ -24,10 +24,10 @@ public:
 
 private:
     struct Node {
-        std::string element;                 // the XML element: Category, Integer, IntReg, ...
-        std::map<std::string, std::string> properties;  // first text of each child element
-        std::vector<std::string> features;   // a category's pFeature list
-        std::vector<std::string> entries;    // an enumeration's entry names
+        std::string element;                           // the XML element: Category, Integer, IntReg, ...
+        std::map<std::string, std::string> properties; // first text of each child element
+        std::vector<std::string> features;             // a category's pFeature list
+        std::vector<std::string> entries;              // an enumeration's entry names
     };
 
     std::string Property(const Node& node, const std::string& name) const;

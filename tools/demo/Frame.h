@@ -8,7 +8,7 @@
 struct Frame {
     std::uint64_t width = 0;
     std::uint64_t height = 0;
-    std::uint64_t pixelFormat = 0;  // PFNC code
+    std::uint64_t pixelFormat = 0; // PFNC code
     std::uint64_t frameId = 0;
     std::vector<unsigned char> data;
 };

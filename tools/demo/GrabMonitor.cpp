@@ -7,7 +7,7 @@ GrabMonitor::GrabMonitor(std::string cameraId) : m_cameraId(std::move(cameraId))
 void GrabMonitor::OnImageUpdate(std::string cameraKey, void* image, int /*extra1*/, int /*extra2*/)
 {
     if (image == nullptr) {
-        return;  // sent when acquisition stops: nothing to release
+        return; // sent when acquisition stops: nothing to release
     }
     auto* frame = static_cast<ZYLGENICAM::IImage*>(image);
     if (cameraKey == m_cameraId && frame->IsValid()) {

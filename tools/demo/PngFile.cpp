@@ -61,7 +61,7 @@ bool ChooseLayout(const Frame& frame, Layout& layout, std::string& error)
         break;
     }
     if (frame.pixelFormat >= BayerGR8 && frame.pixelFormat <= BayerBG8) {
-        return true;  // raw Bayer mosaic shown as gray
+        return true; // raw Bayer mosaic shown as gray
     }
     const std::uint64_t pixels = frame.width * frame.height;
     if (pixels != 0 && frame.data.size() == pixels) {
@@ -147,8 +147,8 @@ bool WritePng(const Frame& frame, const std::string& path, std::string& error)
     const std::size_t rowBytes = frame.width * layout.channels * (layout.bitDepth / 8);
     if (frame.data.size() < rowBytes * frame.height) {
         error = "the frame carries " + std::to_string(frame.data.size()) + " bytes where " +
-                std::to_string(frame.width) + " x " + std::to_string(frame.height) +
-                " pixels need " + std::to_string(rowBytes * frame.height) + " (chunk data rather than a picture?)";
+                std::to_string(frame.width) + " x " + std::to_string(frame.height) + " pixels need " +
+                std::to_string(rowBytes * frame.height) + " (chunk data rather than a picture?)";
         return false;
     }
     std::vector<unsigned char> pixels = ConvertRows(frame, layout);

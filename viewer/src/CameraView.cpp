@@ -72,9 +72,8 @@ CameraView::CameraView(LibrarySession& session, int number, QWidget* parent)
     connect(m_controls, &ViewToolBar::closeClicked, this, &CameraView::Close);
     connect(m_controls, &ViewToolBar::startClicked, this, &CameraView::StartGrab);
     connect(m_controls, &ViewToolBar::stopClicked, this, &CameraView::StopGrab);
-    connect(m_controls, &ViewToolBar::imageModeChosen, this, [this](int mode) {
-        Report("Set image mode", SetCameraImageMode(Id(m_camera), mode, true));
-    });
+    connect(m_controls, &ViewToolBar::imageModeChosen, this,
+            [this](int mode) { Report("Set image mode", SetCameraImageMode(Id(m_camera), mode, true)); });
     connect(m_controls, &ViewToolBar::showModeChosen, this,
             [this](int mode) { SetSLImageShowMode(Id(m_camera), mode); });
     connect(m_controls, &ViewToolBar::roiToolToggled, m_canvas, &ImageCanvas::SetRoiTool);
@@ -87,15 +86,17 @@ CameraView::CameraView(LibrarySession& session, int number, QWidget* parent)
         bool drawn = false;
         DrawROI(Id(m_camera), r.x(), r.y(), r.width(), r.height(), index, drawn, 0, 0);
     });
-    connect(m_canvas, &ImageCanvas::regionMoved, this, [this](int index, const QRect& r) {
-        SetROIPos(Id(m_camera), index, r.x(), r.y(), r.width(), r.height());
-    });
+    connect(m_canvas, &ImageCanvas::regionMoved, this,
+            [this](int index, const QRect& r) { SetROIPos(Id(m_camera), index, r.x(), r.y(), r.width(), r.height()); });
     connect(m_canvas, &ImageCanvas::regionRemoveRequested, this, [this](int index) { RomoveROI(Id(m_camera), index); });
-    connect(&m_session.Rois(), &RoiRegistry::regionsChanged, this, [this](const QString& camera) {
-        if (camera == m_camera) {
-            UpdateRegions();
-        }
-    }, Qt::QueuedConnection);
+    connect(
+        &m_session.Rois(), &RoiRegistry::regionsChanged, this,
+        [this](const QString& camera) {
+            if (camera == m_camera) {
+                UpdateRegions();
+            }
+        },
+        Qt::QueuedConnection);
     Bind(QString());
 }
 
@@ -113,8 +114,10 @@ void CameraView::Bind(const QString& camera)
     m_controls->SetCameras(m_knownCameras, camera);
     m_controls->SetKind(m_kind);
     m_pages->setCurrentWidget(m_canvas);
-    m_canvas->Clear(camera.isEmpty() ? QString("View %1: choose a camera here or double-click one in the device tree").arg(m_number + 1)
-                                     : QString("%1\nopen and start it to see live images").arg(camera));
+    m_canvas->Clear(
+        camera.isEmpty()
+            ? QString("View %1: choose a camera here or double-click one in the device tree").arg(m_number + 1)
+            : QString("%1\nopen and start it to see live images").arg(camera));
     m_plot->SetProfile({});
     m_rangeImage.Clear();
     m_canvas->SetPixelAspect(1.0);
@@ -245,10 +248,10 @@ void CameraView::OnRenamed(const QString& oldId, const QString& newId)
 
 void CameraView::Consume(ZYLGENICAM::IImage& image, int imageMode)
 {
-    constexpr std::int64_t ShortestInterval = 25'000'000;  // ns
-    const std::int64_t now = std::chrono::duration_cast<std::chrono::nanoseconds>(
-                                 std::chrono::steady_clock::now().time_since_epoch())
-                                 .count();
+    constexpr std::int64_t ShortestInterval = 25'000'000; // ns
+    const std::int64_t now =
+        std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+            .count();
     if (now - m_lastConversion < ShortestInterval || m_framePending.exchange(true)) {
         return;
     }
@@ -306,7 +309,8 @@ QString CameraView::SuggestedFileName() const
 
 void CameraView::SaveWithDialog()
 {
-    const QString file = QFileDialog::getSaveFileName(this, "Save shown frame", SuggestedFileName(), "PNG images (*.png)");
+    const QString file =
+        QFileDialog::getSaveFileName(this, "Save shown frame", SuggestedFileName(), "PNG images (*.png)");
     if (!file.isEmpty() && !SaveShownFrame(file)) {
         emit message(QString("Could not save %1").arg(file));
     }

@@ -84,7 +84,7 @@ private:
     int m_showMode = 0;
     bool m_focused = false;
     std::atomic<bool> m_framePending{false};
-    std::atomic<std::int64_t> m_lastConversion{0};  // steady clock, ns
+    std::atomic<std::int64_t> m_lastConversion{0}; // steady clock, ns
     std::atomic<bool> m_profileCamera{false};
     quint64 m_shownFrames = 0;
     quint64 m_shownFrameId = 0;

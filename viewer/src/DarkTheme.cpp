@@ -31,13 +31,12 @@ void Apply(QApplication& application)
     palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(100, 108, 118));
     palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(100, 108, 118));
     application.setPalette(palette);
-    application.setStyleSheet(
-        "QDockWidget::title { background: #262b31; padding: 5px; font-weight: bold; }"
-        "QToolBar { border: none; spacing: 4px; padding: 3px; }"
-        "QToolButton:checked { background: #1f5f7a; border-radius: 3px; }"
-        "QWidget#viewStatus { background: #1b1e22; color: #9aa4ae; }"
-        "QLabel#viewStatistics { color: #7fd1a8; }"
-        "QTreeView { selection-background-color: #1f5f7a; }");
+    application.setStyleSheet("QDockWidget::title { background: #262b31; padding: 5px; font-weight: bold; }"
+                              "QToolBar { border: none; spacing: 4px; padding: 3px; }"
+                              "QToolButton:checked { background: #1f5f7a; border-radius: 3px; }"
+                              "QWidget#viewStatus { background: #1b1e22; color: #9aa4ae; }"
+                              "QLabel#viewStatistics { color: #7fd1a8; }"
+                              "QTreeView { selection-background-color: #1f5f7a; }");
 }
 
 } // namespace DarkTheme

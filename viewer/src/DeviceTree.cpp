@@ -36,12 +36,18 @@ QString Info(const QString& camera, CAM_INFO field)
 QString KindName(int kind)
 {
     switch (kind) {
-    case 0: return "GigE area";
-    case 1: return "Profile";
-    case 3: return "USB3";
-    case 4: return "Camera Link";
-    case 5: return "Show-mode";
-    default: return QString("Kind %1").arg(kind);
+    case 0:
+        return "GigE area";
+    case 1:
+        return "Profile";
+    case 3:
+        return "USB3";
+    case 4:
+        return "Camera Link";
+    case 5:
+        return "Show-mode";
+    default:
+        return QString("Kind %1").arg(kind);
     }
 }
 
@@ -101,7 +107,8 @@ DeviceTree::DeviceTree(LibrarySession& session, QWidget* parent) : QWidget(paren
     LibraryEvents& events = session.Events();
     connect(&events, &LibraryEvents::deviceListChanged, this, &DeviceTree::ShowList, Qt::QueuedConnection);
     connect(&events, &LibraryEvents::deviceChanged, this, &DeviceTree::UpdateCamera, Qt::QueuedConnection);
-    connect(&events, &LibraryEvents::transportTypesChanged, this, &DeviceTree::ShowTransportTypes, Qt::QueuedConnection);
+    connect(&events, &LibraryEvents::transportTypesChanged, this, &DeviceTree::ShowTransportTypes,
+            Qt::QueuedConnection);
     connect(&events, &LibraryEvents::cameraRenamed, this, &DeviceTree::Refresh, Qt::QueuedConnection);
     ShowTransportTypes(GetTLTypeList());
 }
@@ -123,8 +130,8 @@ QString DeviceTree::Resolve(const QString& text) const
 
 void DeviceTree::ShowList(const QStringList& adapters, const QStringList& cameras)
 {
-    const QString selected = m_tree->currentItem() != nullptr ? m_tree->currentItem()->data(NameColumn, CameraRole).toString()
-                                                              : QString();
+    const QString selected =
+        m_tree->currentItem() != nullptr ? m_tree->currentItem()->data(NameColumn, CameraRole).toString() : QString();
     m_tree->clear();
     QHash<QString, QTreeWidgetItem*> adapterItems;
     for (const QString& adapter : adapters) {
@@ -136,7 +143,8 @@ void DeviceTree::ShowList(const QStringList& adapters, const QStringList& camera
     for (const QString& camera : cameras) {
         QTreeWidgetItem* parent = adapterItems.value(Info(camera, CAM_LIST_KEY));
         if (parent == nullptr) {
-            const QString key = Info(camera, CAM_LIST_KEY).isEmpty() ? QString("No adapter") : Info(camera, CAM_LIST_KEY);
+            const QString key =
+                Info(camera, CAM_LIST_KEY).isEmpty() ? QString("No adapter") : Info(camera, CAM_LIST_KEY);
             parent = new QTreeWidgetItem(m_tree, {key, "Adapter"});
             parent->setIcon(NameColumn, style()->standardIcon(QStyle::SP_DriveNetIcon));
             adapterItems.insert(Info(camera, CAM_LIST_KEY), parent);
@@ -162,9 +170,10 @@ void DeviceTree::FillCamera(QTreeWidgetItem* item, const QString& camera) const
     const bool available = Info(camera, CAM_AVAILABLE) == "1";
     // Only a GigE camera has a subnet to share with its adapter.
     const bool sameSegment = Info(camera, CAM_IP).isEmpty() || Info(camera, CAM_SAME_SEGMENT) != "0";
-    QString state = Info(camera, CAM_GRABBING) == "1" ? "Grabbing" : Info(camera, CAM_OPENED) == "1" ? "Open"
-                                                                      : available                      ? "Available"
-                                                                                                       : "Unavailable";
+    QString state = Info(camera, CAM_GRABBING) == "1" ? "Grabbing"
+                    : Info(camera, CAM_OPENED) == "1" ? "Open"
+                    : available                       ? "Available"
+                                                      : "Unavailable";
     if (!sameSegment) {
         state += " · other subnet";
     }
@@ -175,8 +184,9 @@ void DeviceTree::FillCamera(QTreeWidgetItem* item, const QString& camera) const
     item->setForeground(StateColumn, !available || !sameSegment ? QColor(240, 110, 90)
                                      : state == "Available"     ? QColor(150, 160, 170)
                                                                 : QColor(80, 210, 140));
-    item->setToolTip(NameColumn, QString("%1\nModel %2\nSerial %3\nMAC %4")
-                                     .arg(camera, Info(camera, CAM_MODEL_NAME), Info(camera, CAM_SERIAL), Info(camera, CAM_MAC)));
+    item->setToolTip(NameColumn,
+                     QString("%1\nModel %2\nSerial %3\nMAC %4")
+                         .arg(camera, Info(camera, CAM_MODEL_NAME), Info(camera, CAM_SERIAL), Info(camera, CAM_MAC)));
 }
 
 void DeviceTree::ShowDetails()
@@ -189,9 +199,9 @@ void DeviceTree::ShowDetails()
         return;
     }
     const std::pair<const char*, CAM_INFO> rows[] = {
-        {"Model", CAM_MODEL_NAME}, {"Serial", CAM_SERIAL},     {"Vendor", CAM_DEVICE_TEXT}, {"Version", CAM_DEVICE_TEXT2},
-        {"IP", CAM_IP},           {"Mask", CAM_MASK},         {"Gateway", CAM_GATEWAY},    {"MAC", CAM_MAC},
-        {"Adapter", CAM_LIST_KEY}};
+        {"Model", CAM_MODEL_NAME},     {"Serial", CAM_SERIAL}, {"Vendor", CAM_DEVICE_TEXT},
+        {"Version", CAM_DEVICE_TEXT2}, {"IP", CAM_IP},         {"Mask", CAM_MASK},
+        {"Gateway", CAM_GATEWAY},      {"MAC", CAM_MAC},       {"Adapter", CAM_LIST_KEY}};
     QString html = QString("<b>%1</b><table cellspacing='3'>").arg(camera.toHtmlEscaped());
     for (const auto& [label, field] : rows) {
         const QString value = Info(camera, field);
@@ -248,9 +258,9 @@ void DeviceTree::Rename(const QString& camera)
 {
     bool ok = false;
     const QString current = camera.left(camera.lastIndexOf('('));
-    const QString name = QInputDialog::getText(this, "Rename camera",
-                                               "New user name (DeviceUserID). The camera must be open.",
-                                               QLineEdit::Normal, current, &ok);
+    const QString name =
+        QInputDialog::getText(this, "Rename camera", "New user name (DeviceUserID). The camera must be open.",
+                              QLineEdit::Normal, current, &ok);
     if (!ok || name.isEmpty() || name == current) {
         return;
     }

@@ -40,7 +40,8 @@ QString FeatureEditor::Name() const
     return Text(m_node.GetName());
 }
 
-template <class Write> void FeatureEditor::Apply(Write write)
+template <class Write>
+void FeatureEditor::Apply(Write write)
 {
     try {
         write();
@@ -53,13 +54,20 @@ template <class Write> void FeatureEditor::Apply(Write write)
 QWidget* FeatureEditor::CreateWidget()
 {
     switch (m_type) {
-    case GenApi::intfIInteger: return CreateIntegerEditor();
-    case GenApi::intfIFloat: return CreateFloatEditor();
-    case GenApi::intfIEnumeration: return CreateEnumerationEditor();
-    case GenApi::intfIBoolean: return CreateBooleanEditor();
-    case GenApi::intfICommand: return CreateCommandEditor();
-    case GenApi::intfIString: return CreateStringEditor();
-    default: return new QLabel;
+    case GenApi::intfIInteger:
+        return CreateIntegerEditor();
+    case GenApi::intfIFloat:
+        return CreateFloatEditor();
+    case GenApi::intfIEnumeration:
+        return CreateEnumerationEditor();
+    case GenApi::intfIBoolean:
+        return CreateBooleanEditor();
+    case GenApi::intfICommand:
+        return CreateCommandEditor();
+    case GenApi::intfIString:
+        return CreateStringEditor();
+    default:
+        return new QLabel;
     }
 }
 
@@ -68,9 +76,8 @@ QWidget* FeatureEditor::CreateIntegerEditor()
     GenApi::CIntegerPtr node(&m_node);
     if (!FitsInt(node->GetMin()) || !FitsInt(node->GetMax())) {
         auto* edit = new QLineEdit;
-        connect(edit, &QLineEdit::editingFinished, this, [this, edit, node] {
-            Apply([&] { node->FromString(edit->text().toStdString()); });
-        });
+        connect(edit, &QLineEdit::editingFinished, this,
+                [this, edit, node] { Apply([&] { node->FromString(edit->text().toStdString()); }); });
         return edit;
     }
     auto* spin = new QSpinBox;

@@ -37,7 +37,8 @@ private:
     QWidget* CreateStringEditor();
     void RefreshWidget();
     // Runs a write and reports how it went.
-    template <class Write> void Apply(Write write);
+    template <class Write>
+    void Apply(Write write);
 
     GenApi::INode& m_node;
     GenApi::EInterfaceType m_type;

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr int MaximumCategoryDepth = 8;  // a cyclic description must not recurse forever
+constexpr int MaximumCategoryDepth = 8; // a cyclic description must not recurse forever
 
 QString Text(const GenICam::gcstring& text)
 {
@@ -32,7 +32,8 @@ FeatureTree::FeatureTree(QWidget* parent) : QWidget(parent)
     m_visibility->addItems({"Beginner", "Expert", "Guru"});
     // The library keeps the level in its settings for the next start.
     bool known = false;
-    const int level = QString::fromStdString(ViewerBiz3::GetParamterInfo(ViewerBiz3::PARAM_ATTRIBUTE_VISUAL_LEVEL)).toInt(&known);
+    const int level =
+        QString::fromStdString(ViewerBiz3::GetParamterInfo(ViewerBiz3::PARAM_ATTRIBUTE_VISUAL_LEVEL)).toInt(&known);
     m_visibility->setCurrentIndex(known && level >= GenApi::Beginner && level <= GenApi::Guru ? level : GenApi::Expert);
     top->addWidget(m_visibility, 1);
     column->addLayout(top);
@@ -73,9 +74,10 @@ QString FeatureTree::LastMessage() const
 void FeatureTree::ShowCamera(const QString& camera)
 {
     m_camera = camera;
-    m_nodeMap = camera.isEmpty() ? nullptr
-                                 : static_cast<GenApi::INodeMap*>(ViewerBiz3::GetAttrNodeMap(
-                                       ViewerBiz3::FOCUS_CAMERA_FEATURES, camera.toStdString(), ViewerBiz3::NODEMAP_MODULE3));
+    m_nodeMap = camera.isEmpty()
+                    ? nullptr
+                    : static_cast<GenApi::INodeMap*>(ViewerBiz3::GetAttrNodeMap(
+                          ViewerBiz3::FOCUS_CAMERA_FEATURES, camera.toStdString(), ViewerBiz3::NODEMAP_MODULE3));
     Rebuild();
 }
 
@@ -89,8 +91,8 @@ void FeatureTree::Rebuild()
     m_message->clear();
     GenApi::CCategoryPtr root = m_nodeMap != nullptr ? m_nodeMap->GetNode("Root") : nullptr;
     if (!root.IsValid()) {
-        auto* hint = new QTreeWidgetItem(m_tree, {m_camera.isEmpty() ? "Focus a view with a camera"
-                                                                     : "Open " + m_camera + " to see its features"});
+        auto* hint = new QTreeWidgetItem(
+            m_tree, {m_camera.isEmpty() ? "Focus a view with a camera" : "Open " + m_camera + " to see its features"});
         hint->setFlags(Qt::NoItemFlags);
         return;
     }

@@ -11,8 +11,9 @@ void FrameHub::Attach(const QString& camera, FrameSink* sink)
 void FrameHub::Detach(FrameSink* sink)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    m_sinks.erase(std::remove_if(m_sinks.begin(), m_sinks.end(), [&](const auto& entry) { return entry.second == sink; }),
-                  m_sinks.end());
+    m_sinks.erase(
+        std::remove_if(m_sinks.begin(), m_sinks.end(), [&](const auto& entry) { return entry.second == sink; }),
+        m_sinks.end());
 }
 
 void FrameHub::Rename(const QString& oldId, const QString& newId)
@@ -28,7 +29,7 @@ void FrameHub::Rename(const QString& oldId, const QString& newId)
 void FrameHub::OnImageUpdate(std::string cameraKey, void* image, int imageMode, int /*scaler*/)
 {
     if (image == nullptr) {
-        return;  // the end of a grab: nothing to release
+        return; // the end of a grab: nothing to release
     }
     auto* frame = static_cast<ZYLGENICAM::IImage*>(image);
     {

@@ -212,7 +212,8 @@ void ImageCanvas::mouseMoveEvent(QMouseEvent* event)
     const int x = int(std::floor(imagePoint.x()));
     const int y = int(std::floor(imagePoint.y()));
     if (m_picture.rect().contains(x, y)) {
-        emit cursorInfo(QString("x %1  y %2  value %3  zoom %4%").arg(x).arg(y).arg(PixelText(x, y)).arg(qRound(m_scale * 100)));
+        emit cursorInfo(
+            QString("x %1  y %2  value %3  zoom %4%").arg(x).arg(y).arg(PixelText(x, y)).arg(qRound(m_scale * 100)));
     } else {
         emit cursorInfo(QString("zoom %1%").arg(qRound(m_scale * 100)));
     }

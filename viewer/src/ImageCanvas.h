@@ -65,12 +65,12 @@ private:
     QMap<int, QRect> m_regions;
     bool m_roiTool = false;
     bool m_fit = true;
-    double m_scale = 1.0;   // screen pixels per picture pixel across
-    double m_aspect = 1.0;  // and down, relative to across
-    QPointF m_offset;  // widget position of the picture's top-left corner
+    double m_scale = 1.0;  // screen pixels per picture pixel across
+    double m_aspect = 1.0; // and down, relative to across
+    QPointF m_offset;      // widget position of the picture's top-left corner
     Drag m_drag = Drag::None;
-    QPointF m_dragStart;    // widget coordinates
-    QPointF m_dragCurrent;  // widget coordinates
+    QPointF m_dragStart;   // widget coordinates
+    QPointF m_dragCurrent; // widget coordinates
     QPointF m_offsetAtDragStart;
     int m_movingRegion = 0;
 };

@@ -38,8 +38,8 @@ IpDialog::IpDialog(const QString& camera, const QString& ip, const QString& mask
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     const auto validate = [this, buttons] {
-        buttons->button(QDialogButtonBox::Ok)->setEnabled(m_ip->hasAcceptableInput() && m_mask->hasAcceptableInput() &&
-                                                          m_gateway->hasAcceptableInput());
+        buttons->button(QDialogButtonBox::Ok)
+            ->setEnabled(m_ip->hasAcceptableInput() && m_mask->hasAcceptableInput() && m_gateway->hasAcceptableInput());
     };
     for (QLineEdit* edit : {m_ip, m_mask, m_gateway}) {
         connect(edit, &QLineEdit::textChanged, this, validate);

@@ -24,7 +24,8 @@ struct Language {
     const char* name;
 };
 // The library keeps the language by its English name.
-const Language Languages[] = {{"English", "English"}, {"Chinese", "中文"}, {"German", "Deutsch"}, {"Japanese", "日本語"}};
+const Language Languages[] = {
+    {"English", "English"}, {"Chinese", "中文"}, {"German", "Deutsch"}, {"Japanese", "日本語"}};
 
 } // namespace
 
@@ -79,9 +80,8 @@ void MainWindow::CreateToolBar()
     const int current = m_language->findData(QString::fromStdString(ViewerBiz3::GetLang()));
     m_language->setCurrentIndex(std::max(0, current));
     bar->addWidget(m_language);
-    connect(m_language, &QComboBox::activated, this, [this](int index) {
-        ViewerBiz3::SetLang(m_language->itemData(index).toString().toStdString());
-    });
+    connect(m_language, &QComboBox::activated, this,
+            [this](int index) { ViewerBiz3::SetLang(m_language->itemData(index).toString().toStdString()); });
 }
 
 void MainWindow::CreateDocks()
@@ -106,23 +106,33 @@ void MainWindow::Connect()
 {
     LibraryEvents& events = m_session.Events();
     connect(&events, &LibraryEvents::logLine, m_log, &LogPanel::Add, Qt::QueuedConnection);
-    connect(&events, &LibraryEvents::languageChanged, this, [this](const QString& language) {
-        m_languageLabel->setText("Language: " + language);
-        m_language->setCurrentIndex(std::max(0, m_language->findData(language)));
-    }, Qt::QueuedConnection);
+    connect(
+        &events, &LibraryEvents::languageChanged, this,
+        [this](const QString& language) {
+            m_languageLabel->setText("Language: " + language);
+            m_language->setCurrentIndex(std::max(0, m_language->findData(language)));
+        },
+        Qt::QueuedConnection);
     // The grid applied the layout first (it connected first) and rounded it to one it has.
-    connect(&events, &LibraryEvents::layoutChanged, this, [this] {
-        for (QAction* action : m_layouts->actions()) {
-            action->setChecked(action->data().toInt() == m_grid->ViewCount());
-        }
-    }, Qt::QueuedConnection);
-    connect(&events, &LibraryEvents::cameraRenamed, this, [this](const QString& oldId, const QString& newId) {
-        if (m_features->Camera() == oldId) {
-            m_features->ShowCamera(newId);
-        }
-    }, Qt::QueuedConnection);
-    connect(&events, &LibraryEvents::deviceChanged, this,
-            [this](const QString&, const QString& camera) { OnCameraState(camera); }, Qt::QueuedConnection);
+    connect(
+        &events, &LibraryEvents::layoutChanged, this,
+        [this] {
+            for (QAction* action : m_layouts->actions()) {
+                action->setChecked(action->data().toInt() == m_grid->ViewCount());
+            }
+        },
+        Qt::QueuedConnection);
+    connect(
+        &events, &LibraryEvents::cameraRenamed, this,
+        [this](const QString& oldId, const QString& newId) {
+            if (m_features->Camera() == oldId) {
+                m_features->ShowCamera(newId);
+            }
+        },
+        Qt::QueuedConnection);
+    connect(
+        &events, &LibraryEvents::deviceChanged, this,
+        [this](const QString&, const QString& camera) { OnCameraState(camera); }, Qt::QueuedConnection);
     connect(m_devices, &DeviceTree::cameraActivated, this, &MainWindow::ShowInFocusedView);
     connect(m_devices, &DeviceTree::camerasChanged, this, &MainWindow::OnCamerasListed);
     connect(m_grid, &ViewGrid::focusedViewChanged, this, &MainWindow::OnFocusedView);
@@ -172,7 +182,7 @@ void MainWindow::OnCamerasListed(const QStringList& cameras)
         wanted << m_devices->Resolve(text);
     }
     if (wanted.isEmpty() || wanted.contains(QString())) {
-        return;  // wait for a list that has them all
+        return; // wait for a list that has them all
     }
     m_options.openCameras.clear();
     const int count = std::min(static_cast<int>(wanted.size()), static_cast<int>(ViewGrid::MaximumViews));
@@ -197,8 +207,8 @@ void MainWindow::ShowMessage(const QString& text)
 void MainWindow::SaveFocusedFrame()
 {
     CameraView* view = m_grid->FocusedView();
-    const QString file = QFileDialog::getSaveFileName(this, "Save shown frame", view->SuggestedFileName(),
-                                                      "PNG images (*.png)");
+    const QString file =
+        QFileDialog::getSaveFileName(this, "Save shown frame", view->SuggestedFileName(), "PNG images (*.png)");
     if (!file.isEmpty() && !view->SaveShownFrame(file)) {
         ShowMessage(QString("Nothing shown to save in %1").arg(file));
     }

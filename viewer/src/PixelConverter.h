@@ -9,10 +9,10 @@
 
 struct RawPicture {
     const unsigned char* data = nullptr;
-    std::size_t size = 0;  // bytes at data
+    std::size_t size = 0; // bytes at data
     int width = 0;
     int height = 0;
-    std::uint64_t format = 0;  // PFNC
+    std::uint64_t format = 0; // PFNC
 };
 
 namespace PixelConverter {

@@ -16,8 +16,8 @@ QMap<int, QRect> RoiRegistry::Regions(const QString& camera) const
     return m_regions.value(camera);
 }
 
-void RoiRegistry::OnROIDrawUpdate(std::string cameraId, int x, int y, int width, int height, int operation,
-                                  int& index, bool& result, int, int)
+void RoiRegistry::OnROIDrawUpdate(std::string cameraId, int x, int y, int width, int height, int operation, int& index,
+                                  bool& result, int, int)
 {
     const QString camera = QString::fromStdString(cameraId);
     {

@@ -45,7 +45,8 @@ ViewToolBar::ViewToolBar(QWidget* parent) : QWidget(parent)
         button->setToolButtonStyle(Qt::ToolButtonIconOnly);
         row->addWidget(button);
     }
-    m_imageMode = ModeBox({"Range image", "Profile", "Profile batch"}, "viewImageMode", "Image mode of the profile camera");
+    m_imageMode =
+        ModeBox({"Range image", "Profile", "Profile batch"}, "viewImageMode", "Image mode of the profile camera");
     m_showMode = ModeBox({"Image", "Image + frame info"}, "viewShowMode", "Show mode");
     row->addWidget(m_imageMode);
     row->addWidget(m_showMode);
@@ -58,9 +59,8 @@ ViewToolBar::ViewToolBar(QWidget* parent) : QWidget(parent)
     m_save->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
     row->addWidget(m_save);
 
-    connect(m_camera, &QComboBox::activated, this, [this](int index) {
-        emit cameraChosen(index == 0 ? QString() : m_camera->itemText(index));
-    });
+    connect(m_camera, &QComboBox::activated, this,
+            [this](int index) { emit cameraChosen(index == 0 ? QString() : m_camera->itemText(index)); });
     connect(m_open, &QToolButton::clicked, this, &ViewToolBar::openClicked);
     connect(m_close, &QToolButton::clicked, this, &ViewToolBar::closeClicked);
     connect(m_start, &QToolButton::clicked, this, &ViewToolBar::startClicked);

@@ -8,7 +8,8 @@ ViewerOptions ViewerOptions::Parse(const QStringList& arguments)
     parser.setApplicationDescription("Reference viewer of libViewerBiz3");
     parser.addHelpOption();
     const QCommandLineOption simulated("simulated", "Show the built-in simulated cameras (no network).");
-    const QCommandLineOption open("open", "Open <camera> (identifier, serial or name) in the next view; may be repeated.", "camera");
+    const QCommandLineOption open(
+        "open", "Open <camera> (identifier, serial or name) in the next view; may be repeated.", "camera");
     const QCommandLineOption grab("grab", "Start grabbing the cameras given with --open.");
     const QCommandLineOption screenshot("screenshot", "Save the window as <file.png> and quit.", "file.png");
     const QCommandLineOption after("after", "Seconds before the screenshot (default 3).", "seconds");

@@ -22,7 +22,7 @@
 
 namespace {
 
-constexpr int Patience = 20000;  // ms; generous for a loaded machine
+constexpr int Patience = 20000; // ms; generous for a loaded machine
 
 quint64 FramesInStatus(const CameraView& view)
 {
@@ -103,7 +103,8 @@ void ViewerScenario::aUserGrabsConfiguresAndSwitchesModes()
         emit pixelFormat->activated(pixelFormat->findText(format));
         QCOMPARE(NodeValue(area, "PixelFormat"), std::string(format));
         Click(areaView, "viewStart");
-        QTRY_VERIFY_WITH_TIMEOUT(shownRight(*areaView.Canvas()) && ShowsStructure(areaView.Canvas()->Picture()), Patience);
+        QTRY_VERIFY_WITH_TIMEOUT(shownRight(*areaView.Canvas()) && ShowsStructure(areaView.Canvas()->Picture()),
+                                 Patience);
         Click(areaView, "viewStop");
     }
 
@@ -118,7 +119,8 @@ void ViewerScenario::aUserGrabsConfiguresAndSwitchesModes()
     QCOMPARE(ViewerBiz3::GetCameraImageMode(profile.toStdString()), 0);
     Click(profileView, "viewStart");
     Click(areaView, "viewStart");
-    QTRY_VERIFY_WITH_TIMEOUT(ShowsStructure(profileView.Canvas()->Picture()) && profileView.ShownFrames() > 8, Patience);
+    QTRY_VERIFY_WITH_TIMEOUT(ShowsStructure(profileView.Canvas()->Picture()) && profileView.ShownFrames() > 8,
+                             Patience);
     QTRY_VERIFY_WITH_TIMEOUT(areaView.Canvas()->Picture().width() == 320, Patience);
 
     const QString screenshot = qEnvironmentVariable("VB3_VIEWER_SCREENSHOT");

@@ -11,8 +11,7 @@ namespace {
 
 class RoiAnswer : public ViewerBiz3::IROIDrawUpdate {
 public:
-    void OnROIDrawUpdate(std::string, int, int, int, int, int operation, int& index, bool& result, int,
-                         int) override
+    void OnROIDrawUpdate(std::string, int, int, int, int, int operation, int& index, bool& result, int, int) override
     {
         if (operation == 0) {
             index = 7;

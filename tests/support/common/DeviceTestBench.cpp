@@ -4,8 +4,7 @@
 #include "device/DeviceManager.h"
 #include "support/common/ApplicationDirectoryScope.h"
 
-DeviceTestBench::DeviceTestBench()
-    : m_namespace({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, ""}})
+DeviceTestBench::DeviceTestBench() : m_namespace({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, ""}})
 {
     m_ready = m_namespace.IsReady() && m_namespace.Enter();
     if (!m_ready)
@@ -45,7 +44,6 @@ bool DeviceTestBench::RunPass(int types)
 
 bool DeviceTestBench::WaitForPasses(std::size_t count)
 {
-    return m_events.WaitUntil([count](const DeviceEventRecorder::Events& events) {
-        return events.WholeLists() >= count;
-    });
+    return m_events.WaitUntil(
+        [count](const DeviceEventRecorder::Events& events) { return events.WholeLists() >= count; });
 }

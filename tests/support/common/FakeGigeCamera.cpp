@@ -55,7 +55,7 @@ bool FakeGigeCamera::Start(int timeoutMs)
 {
     if (m_pid > 0)
         return true;
-    std::vector<std::string> arguments { kProgram, "-i", m_address, "-s", m_serialNumber };
+    std::vector<std::string> arguments{kProgram, "-i", m_address, "-s", m_serialNumber};
     std::vector<char*> argv;
     for (std::string& argument : arguments)
         argv.push_back(argument.data());
@@ -113,12 +113,12 @@ std::vector<uint8_t> FakeGigeCamera::Exchange(const std::vector<uint8_t>& comman
     int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (fd < 0)
         return reply;
-    sockaddr_in camera {};
+    sockaddr_in camera{};
     camera.sin_family = AF_INET;
     camera.sin_port = htons(kGvcpPort);
     inet_pton(AF_INET, m_address.c_str(), &camera.sin_addr);
     if (sendto(fd, command.data(), command.size(), 0, reinterpret_cast<sockaddr*>(&camera), sizeof camera) > 0) {
-        pollfd waiting { fd, POLLIN, 0 };
+        pollfd waiting{fd, POLLIN, 0};
         if (poll(&waiting, 1, timeoutMs) > 0) {
             reply.resize(512);
             ssize_t size = recv(fd, reply.data(), reply.size(), 0);
@@ -131,7 +131,7 @@ std::vector<uint8_t> FakeGigeCamera::Exchange(const std::vector<uint8_t>& comman
 
 bool FakeGigeCamera::AnswersDiscovery(int timeoutMs) const
 {
-    auto reply = Exchange({ 0x42, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01 }, timeoutMs);
+    auto reply = Exchange({0x42, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01}, timeoutMs);
     // A DISCOVERY_ACK (0x0003).
     bool answered = reply.size() >= 8 && reply[2] == 0x00 && reply[3] == 0x03;
     if (!answered)
@@ -143,8 +143,8 @@ bool FakeGigeCamera::SetMacAddressLow(uint32_t low)
 {
     constexpr uint8_t kMacLowRegister = 0x0C;
     // WRITEREG (0x0082) of one register, acknowledge asked for.
-    auto reply = Exchange({ 0x42, 0x01, 0x00, 0x82, 0x00, 0x08, 0x00, 0x01, 0x00, 0x00, 0x00, kMacLowRegister,
-                            uint8_t(low >> 24), uint8_t(low >> 16), uint8_t(low >> 8), uint8_t(low) },
+    auto reply = Exchange({0x42, 0x01, 0x00, 0x82, 0x00, 0x08, 0x00, 0x01, 0x00, 0x00, 0x00, kMacLowRegister,
+                           uint8_t(low >> 24), uint8_t(low >> 16), uint8_t(low >> 8), uint8_t(low)},
                           1000);
     // Status 0 and a WRITEREG_ACK (0x0083).
     return reply.size() >= 8 && reply[0] == 0 && reply[1] == 0 && reply[3] == 0x83;

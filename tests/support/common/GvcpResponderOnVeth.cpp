@@ -36,7 +36,7 @@ void Write32(uint8_t* out, uint32_t value)
 
 uint32_t AddressValue(const std::string& text)
 {
-    in_addr address {};
+    in_addr address{};
     inet_pton(AF_INET, text.c_str(), &address);
     return ntohl(address.s_addr);
 }
@@ -62,7 +62,7 @@ std::vector<uint8_t> Acknowledge(uint16_t code, uint16_t length, uint16_t reques
 
 void Broadcast(int fd, const std::vector<uint8_t>& packet, uint16_t port)
 {
-    sockaddr_in everyone {};
+    sockaddr_in everyone{};
     everyone.sin_family = AF_INET;
     everyone.sin_port = htons(port);
     everyone.sin_addr.s_addr = htonl(INADDR_BROADCAST);
@@ -72,10 +72,10 @@ void Broadcast(int fd, const std::vector<uint8_t>& packet, uint16_t port)
 // What a careless or hostile device might send before its real answer.
 void BroadcastGarbage(int fd, uint16_t code, uint16_t requestId, uint16_t port)
 {
-    Broadcast(fd, { 0x00, 0x00, 0x00 }, port);
+    Broadcast(fd, {0x00, 0x00, 0x00}, port);
     Broadcast(fd, Acknowledge(code, 0, uint16_t(requestId + 1)), port);
     std::vector<uint8_t> overlong = Acknowledge(code, 4, requestId);
-    overlong[4] = 0xff;   // claims far more payload than the packet holds
+    overlong[4] = 0xff; // claims far more payload than the packet holds
     overlong.resize(10);
     Broadcast(fd, overlong, port);
 }
@@ -97,7 +97,7 @@ GvcpResponderOnVeth::~GvcpResponderOnVeth()
 
 bool GvcpResponderOnVeth::Start(std::string& failure)
 {
-    m_cameraSpace = std::make_unique<NetworkNamespace>(std::vector<NetworkNamespace::Veth> {});
+    m_cameraSpace = std::make_unique<NetworkNamespace>(std::vector<NetworkNamespace::Veth>{});
     if (!m_cameraSpace->IsReady()) {
         failure = m_cameraSpace->Failure();
         return false;
@@ -112,7 +112,7 @@ bool GvcpResponderOnVeth::Start(std::string& failure)
     m_thread = std::thread([this, &listening] {
         int fd = m_cameraSpace->Enter() ? socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0) : -1;
         int on = 1;
-        sockaddr_in any {};
+        sockaddr_in any{};
         any.sin_family = AF_INET;
         any.sin_port = htons(kGvcpPort);
         bool bound = fd >= 0 && setsockopt(fd, SOL_SOCKET, SO_BROADCAST, &on, sizeof on) == 0 &&
@@ -139,11 +139,11 @@ std::vector<GvcpResponderOnVeth::ForceIp> GvcpResponderOnVeth::ForceIpCommands()
 void GvcpResponderOnVeth::Serve(int fd)
 {
     while (!m_stop.load()) {
-        pollfd waiting { fd, POLLIN, 0 };
+        pollfd waiting{fd, POLLIN, 0};
         if (poll(&waiting, 1, 50) <= 0)
             continue;
         uint8_t packet[1500];
-        sockaddr_in sender {};
+        sockaddr_in sender{};
         socklen_t senderLength = sizeof sender;
         ssize_t size = recvfrom(fd, packet, sizeof packet, 0, reinterpret_cast<sockaddr*>(&sender), &senderLength);
         if (size >= 8 && packet[0] == 0x42)
@@ -171,8 +171,13 @@ void GvcpResponderOnVeth::Answer(int fd, const uint8_t* packet, std::size_t size
         Broadcast(fd, ack, port);
     } else if (code == kForceIpCommand && size >= 8 + kForceIpPayloadSize) {
         const uint8_t* payload = packet + 8;
-        ForceIp command { packet[1], code, Read16(packet + 4), {}, AddressAt(payload + 20), AddressAt(payload + 36),
-                          AddressAt(payload + 52) };
+        ForceIp command{packet[1],
+                        code,
+                        Read16(packet + 4),
+                        {},
+                        AddressAt(payload + 20),
+                        AddressAt(payload + 36),
+                        AddressAt(payload + 52)};
         std::memcpy(command.mac, payload + 2, 6);
         m_forceIps.push_back(command);
         if (!m_acknowledgesForceIp || std::memcmp(command.mac, m_identity.mac, 6) != 0)

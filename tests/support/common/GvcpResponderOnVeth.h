@@ -34,7 +34,7 @@ public:
         uint8_t flags = 0;
         uint16_t code = 0;
         uint16_t length = 0;
-        uint8_t mac[6] {};
+        uint8_t mac[6]{};
         std::string ip, mask, gateway;
     };
 
@@ -54,7 +54,7 @@ private:
     Identity m_identity;
     bool m_acknowledgesForceIp;
     std::unique_ptr<NetworkNamespace> m_cameraSpace;
-    std::atomic<bool> m_stop { false };
+    std::atomic<bool> m_stop{false};
     std::thread m_thread;
     mutable std::mutex m_mutex;
     std::vector<ForceIp> m_forceIps;

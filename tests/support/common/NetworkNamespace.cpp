@@ -35,8 +35,8 @@ NetworkNamespace::NetworkNamespace(const std::vector<Veth>& pairs) : m_name(Uniq
     for (const Veth& veth : pairs) {
         std::string address = veth.mac.empty() ? "" : " address " + veth.mac;
         ok = ok && Ip("link add " + veth.name + address + " type veth peer name " + veth.peerName);
-        ok = ok && Ip("addr add " + veth.address + "/" + std::to_string(veth.prefixLength) + " broadcast + dev " +
-                      veth.name);
+        ok = ok &&
+             Ip("addr add " + veth.address + "/" + std::to_string(veth.prefixLength) + " broadcast + dev " + veth.name);
         if (!veth.peerAddress.empty())
             ok = ok && Ip("addr add " + veth.peerAddress + "/" + std::to_string(veth.prefixLength) +
                           " broadcast + dev " + veth.peerName);
@@ -76,8 +76,9 @@ bool NetworkNamespace::LinkFromCaller(const std::string& adapter, const std::str
                                       const std::string& peer, const std::string& peerAddress)
 {
     return m_ready && Run("ip link add " + adapter + " type veth peer name " + peer + " netns " + m_name) &&
-           Run("ip addr add " + adapterAddress + " broadcast + dev " + adapter) && Run("ip link set " + adapter + " up") &&
-           Ip("addr add " + peerAddress + " broadcast + dev " + peer) && Ip("link set " + peer + " up");
+           Run("ip addr add " + adapterAddress + " broadcast + dev " + adapter) &&
+           Run("ip link set " + adapter + " up") && Ip("addr add " + peerAddress + " broadcast + dev " + peer) &&
+           Ip("link set " + peer + " up");
 }
 
 bool NetworkNamespace::Enter()

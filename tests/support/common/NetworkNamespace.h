@@ -10,12 +10,12 @@
 class NetworkNamespace {
 public:
     struct Veth {
-        std::string name;          // the end the code under test looks at
-        std::string peerName;      // the other end, without address unless peerAddress is set
-        std::string address;       // e.g. "169.254.10.1"
+        std::string name;     // the end the code under test looks at
+        std::string peerName; // the other end, without address unless peerAddress is set
+        std::string address;  // e.g. "169.254.10.1"
         int prefixLength = 16;
-        std::string peerAddress;   // optional
-        std::string mac;           // optional, e.g. "02:00:00:00:10:01"
+        std::string peerAddress; // optional
+        std::string mac;         // optional, e.g. "02:00:00:00:10:01"
     };
 
     // Creates the namespace with loopback up and the given veth pairs (both ends up).

@@ -19,7 +19,7 @@ bool BringLoopbackUp(std::string& why)
         why = "no socket in the new namespace";
         return false;
     }
-    ifreq request {};
+    ifreq request{};
     std::strncpy(request.ifr_name, "lo", IFNAMSIZ - 1);
     bool up = ioctl(fd, SIOCGIFFLAGS, &request) == 0;
     request.ifr_flags |= IFF_UP | IFF_RUNNING;

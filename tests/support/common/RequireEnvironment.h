@@ -14,12 +14,12 @@ inline bool RunningInCi()
     return ci != nullptr && std::strcmp(ci, "true") == 0;
 }
 
-#define VB3_REQUIRE(condition, reason)                                                          \
-    do {                                                                                        \
-        if (!(condition)) {                                                                     \
-            if (RunningInCi())                                                                  \
-                GTEST_FAIL() << "CI=true and this test cannot run: " << reason;                 \
-            else                                                                                \
-                GTEST_SKIP() << reason;                                                         \
-        }                                                                                       \
+#define VB3_REQUIRE(condition, reason)                                                                                 \
+    do {                                                                                                               \
+        if (!(condition)) {                                                                                            \
+            if (RunningInCi())                                                                                         \
+                GTEST_FAIL() << "CI=true and this test cannot run: " << reason;                                        \
+            else                                                                                                       \
+                GTEST_SKIP() << reason;                                                                                \
+        }                                                                                                              \
     } while (false)

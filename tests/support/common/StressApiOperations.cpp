@@ -147,7 +147,7 @@ void StressOutcomes::Print() const
 }
 
 std::vector<StressOperation> StressApiOperations(const StressScene& scene, StressListener& listener,
-                                                StressOutcomes& outcomes)
+                                                 StressOutcomes& outcomes)
 {
     auto id = [&scene](std::mt19937& random) { return PickFrom(scene.cameraIds, random); };
     // Closing and stopping happen a few times a second whatever the call rate, so cameras stay
@@ -157,7 +157,8 @@ std::vector<StressOperation> StressApiOperations(const StressScene& scene, Stres
         {"RefreshCameraList", [&scene](std::mt19937&) { RefreshCameraList(scene.refreshTypes); }},
         {"SetTLTypeList", [&scene](std::mt19937&) { SetTLTypeList(scene.transportMask); }},
         {"OpenCamera", [id, &outcomes](std::mt19937& r) { outcomes.opens += OpenCamera(id(r)) == 0 ? 1 : 0; }, 3},
-        {"CloseCamera", [id, close = Throttle(std::chrono::milliseconds(400))](std::mt19937& r) {
+        {"CloseCamera",
+         [id, close = Throttle(std::chrono::milliseconds(400))](std::mt19937& r) {
              if (close->Due()) {
                  CloseCamera(id(r));
              } else {
@@ -165,7 +166,8 @@ std::vector<StressOperation> StressApiOperations(const StressScene& scene, Stres
              }
          }},
         {"StartGrab", [id, &outcomes](std::mt19937& r) { outcomes.grabs += StartGrab(id(r)) == 0 ? 1 : 0; }, 3},
-        {"StopGrab", [id, stop = Throttle(std::chrono::milliseconds(250))](std::mt19937& r) {
+        {"StopGrab",
+         [id, stop = Throttle(std::chrono::milliseconds(250))](std::mt19937& r) {
              if (stop->Due()) {
                  StopGrab(id(r));
              } else {
@@ -209,7 +211,8 @@ std::vector<StressOperation> StressApiOperations(const StressScene& scene, Stres
          [](std::mt19937& r) {
              SetParamterInfo(static_cast<PARAMETER_INFO>(PickNumber(r, 0, 33)), "value" + std::to_string(r() % 1000));
          }},
-        {"GetParamterInfo", [](std::mt19937& r) { GetParamterInfo(static_cast<PARAMETER_INFO>(PickNumber(r, 0, 33))); }},
+        {"GetParamterInfo",
+         [](std::mt19937& r) { GetParamterInfo(static_cast<PARAMETER_INFO>(PickNumber(r, 0, 33))); }},
         {"LayoutAndLanguage",
          [](std::mt19937& r) {
              SetImgLayout(static_cast<LAYOUT_TYPE>(PickNumber(r, 1, 4)));

@@ -41,7 +41,7 @@ public:
     void OnCameraIdUpdate(std::string, std::string) override { ++events; }
 
     std::atomic<std::uint64_t> events{0};
-    std::atomic<std::uint64_t> lossLines{0};  // "Camera is lost."
+    std::atomic<std::uint64_t> lossLines{0}; // "Camera is lost."
 };
 
 // Releases every frame at once, as a viewer does after drawing it.
@@ -56,11 +56,11 @@ public:
 
 struct StressNode {
     std::string name;
-    std::vector<std::string> values;  // written at random
+    std::vector<std::string> values; // written at random
 };
 
 struct StressScene {
-    std::vector<std::string> cameraIds;  // the identifiers a host may use (some stale on purpose)
+    std::vector<std::string> cameraIds; // the identifiers a host may use (some stale on purpose)
     // Rename pairs: a camera listed under first is renamed to the user name second.
     std::vector<std::pair<std::string, std::string>> renames;
     std::vector<StressNode> nodes;
@@ -79,7 +79,7 @@ struct StressOutcomes {
 // Every operation a host may call at any time on `scene`; `listener` is registered and
 // unregistered at random on its lists.
 std::vector<StressOperation> StressApiOperations(const StressScene& scene, StressListener& listener,
-                                                StressOutcomes& outcomes);
+                                                 StressOutcomes& outcomes);
 
 // GetParamterInfo of every setting key, to compare a session's settings with a reload.
 std::vector<std::string> StressAllParameters();

@@ -19,7 +19,6 @@ std::uint32_t StressSeed(std::uint32_t defaultSeed);
 // VB3_STRESS_SECONDS when set, else the default.
 std::chrono::seconds StressDuration(std::chrono::seconds defaultDuration);
 
-
 // Aborts the process (after printing what every stress thread was doing) when
 // no progress was reported for the stall limit.
 class StressWatchdog {
@@ -46,13 +45,13 @@ private:
     std::atomic<const char*> m_phase{"setup"};
     std::atomic<std::uint64_t> m_progress{0};
     std::atomic<bool> m_stop{false};
-    std::thread m_thread;  // last: started once every field above exists
+    std::thread m_thread; // last: started once every field above exists
 };
 
 struct StressOperation {
     const char* name;
     std::function<void(std::mt19937& random)> run;
-    double weight = 1;  // relative chance of being picked
+    double weight = 1; // relative chance of being picked
 };
 
 struct StressTotals {

@@ -8,7 +8,8 @@
 namespace Scripted {
 
 ScriptedCameraInfo::ScriptedCameraInfo(std::shared_ptr<ScriptedDevice> device, Owner owner)
-    : m_device(std::move(device)), m_owner(owner), m_identity(m_device->Identity()) {
+    : m_device(std::move(device)), m_owner(owner), m_identity(m_device->Identity())
+{
     if (m_owner == Owner::Caller) {
         m_device->CountRecordCreated();
     }
@@ -16,35 +17,43 @@ ScriptedCameraInfo::ScriptedCameraInfo(std::shared_ptr<ScriptedDevice> device, O
 
 ScriptedCameraInfo::~ScriptedCameraInfo() = default;
 
-int ScriptedCameraInfo::GetTLType() {
+int ScriptedCameraInfo::GetTLType()
+{
     return Usable("ICameraInfo::GetTLType") ? m_identity.tlType : ZYLGENICAM::SDK_ERROR;
 }
 
-int ScriptedCameraInfo::GetAccessStatus() {
+int ScriptedCameraInfo::GetAccessStatus()
+{
     return Usable("ICameraInfo::GetAccessStatus") ? m_identity.accessStatus : 0;
 }
 
-const char* ScriptedCameraInfo::GetSerialNumber() {
+const char* ScriptedCameraInfo::GetSerialNumber()
+{
     return Usable("ICameraInfo::GetSerialNumber") ? m_identity.serialNumber.c_str() : "";
 }
 
-const char* ScriptedCameraInfo::GetModelName() {
+const char* ScriptedCameraInfo::GetModelName()
+{
     return Usable("ICameraInfo::GetModelName") ? m_identity.modelName.c_str() : "";
 }
 
-const char* ScriptedCameraInfo::GetUserDefinedName() {
+const char* ScriptedCameraInfo::GetUserDefinedName()
+{
     return Usable("ICameraInfo::GetUserDefinedName") ? m_identity.userDefinedName.c_str() : "";
 }
 
-const char* ScriptedCameraInfo::GetDeviceText() {
+const char* ScriptedCameraInfo::GetDeviceText()
+{
     return Usable("ICameraInfo::GetDeviceText") ? m_identity.deviceText.c_str() : "";
 }
 
-const char* ScriptedCameraInfo::GetDeviceText2() {
+const char* ScriptedCameraInfo::GetDeviceText2()
+{
     return Usable("ICameraInfo::GetDeviceText2") ? m_identity.deviceText2.c_str() : "";
 }
 
-const char* ScriptedCameraInfo::GetGigEInfo(int item) {
+const char* ScriptedCameraInfo::GetGigEInfo(int item)
+{
     if (!Usable("ICameraInfo::GetGigEInfo") || m_identity.tlType != ZYLGENICAM::TL_GIGE) {
         return "";
     }
@@ -64,7 +73,8 @@ const char* ScriptedCameraInfo::GetGigEInfo(int item) {
     }
 }
 
-const char* ScriptedCameraInfo::GetCLInfo(int item) {
+const char* ScriptedCameraInfo::GetCLInfo(int item)
+{
     if (!Usable("ICameraInfo::GetCLInfo") || m_identity.tlType != ZYLGENICAM::TL_CAMERALINK) {
         return "";
     }
@@ -80,7 +90,8 @@ const char* ScriptedCameraInfo::GetCLInfo(int item) {
     }
 }
 
-void ScriptedCameraInfo::Destroy() {
+void ScriptedCameraInfo::Destroy()
+{
     if (m_owner == Owner::Camera) {
         ScriptedSdk::Instance().ReportMisuse("ICameraInfo::Destroy on the record a camera handle owns (" +
                                              m_identity.serialNumber + ")");
@@ -93,7 +104,8 @@ void ScriptedCameraInfo::Destroy() {
     m_device->CountRecordDestroyed();
 }
 
-bool ScriptedCameraInfo::Usable(const char* operation) const {
+bool ScriptedCameraInfo::Usable(const char* operation) const
+{
     if (m_destroyed.load()) {
         ScriptedSdk::Instance().ReportMisuse(std::string(operation) + " on a destroyed record of " +
                                              m_identity.serialNumber);

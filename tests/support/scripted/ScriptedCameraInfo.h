@@ -14,8 +14,8 @@ class ScriptedDevice;
 class ScriptedCameraInfo final : public ZYLGENICAM::ICameraInfo {
 public:
     enum class Owner {
-        Caller,  // a discovery record: the library destroys it
-        Camera,  // a camera handle's GetDeviceInfo: the camera keeps it
+        Caller, // a discovery record: the library destroys it
+        Camera, // a camera handle's GetDeviceInfo: the camera keeps it
     };
 
     ScriptedCameraInfo(std::shared_ptr<ScriptedDevice> device, Owner owner);

@@ -4,22 +4,26 @@
 
 namespace Scripted {
 
-ScriptedChunk::ScriptedChunk(ScriptedImage& image, uint64_t id, uint64_t size)
-    : m_image(image), m_id(id), m_size(size) {}
+ScriptedChunk::ScriptedChunk(ScriptedImage& image, uint64_t id, uint64_t size) : m_image(image), m_id(id), m_size(size)
+{
+}
 
 ScriptedChunk::~ScriptedChunk() = default;
 
-uint64_t ScriptedChunk::GetChunkSize() {
+uint64_t ScriptedChunk::GetChunkSize()
+{
     m_image.CheckOut("IChunk::GetChunkSize");
     return m_size;
 }
 
-uint64_t ScriptedChunk::GetChunkId() {
+uint64_t ScriptedChunk::GetChunkId()
+{
     m_image.CheckOut("IChunk::GetChunkId");
     return m_id;
 }
 
-const void* ScriptedChunk::GetChunkData() {
+const void* ScriptedChunk::GetChunkData()
+{
     if (!m_image.CheckOut("IChunk::GetChunkData")) {
         return nullptr;
     }

@@ -10,7 +10,8 @@ namespace Scripted {
 namespace {
 
 DeviceDescription CameraWithFeatures(const std::string& serialNumber, const std::string& userDefinedName, int tlType,
-                                     const std::string& modelName, const std::string& featureXml) {
+                                     const std::string& modelName, const std::string& featureXml)
+{
     DeviceDescription description;
     description.identity.tlType = tlType;
     description.identity.serialNumber = serialNumber;
@@ -23,7 +24,8 @@ DeviceDescription CameraWithFeatures(const std::string& serialNumber, const std:
 
 } // namespace
 
-std::string ReadTestData(const std::string& fileName) {
+std::string ReadTestData(const std::string& fileName)
+{
     const std::string path = std::string(VB3_TEST_DATA_DIR) + "/" + fileName;
     std::ifstream file(path, std::ios::binary);
     if (!file) {
@@ -35,34 +37,41 @@ std::string ReadTestData(const std::string& fileName) {
     return text.str();
 }
 
-std::string AreaCameraXml() {
+std::string AreaCameraXml()
+{
     return ReadTestData("scripted_area_camera.xml");
 }
 
-std::string ProfileCameraXml() {
+std::string ProfileCameraXml()
+{
     return ReadTestData("scripted_profile_camera.xml");
 }
 
-std::string AuxiliaryXml() {
+std::string AuxiliaryXml()
+{
     return ReadTestData("scripted_auxiliary.xml");
 }
 
-std::string CardXml() {
+std::string CardXml()
+{
     return ReadTestData("scripted_card.xml");
 }
 
-DeviceDescription AreaCamera(const std::string& serialNumber, const std::string& userDefinedName, int tlType) {
+DeviceDescription AreaCamera(const std::string& serialNumber, const std::string& userDefinedName, int tlType)
+{
     return CameraWithFeatures(serialNumber, userDefinedName, tlType, "Scripted-Area", AreaCameraXml());
 }
 
-DeviceDescription ProfileCamera(const std::string& serialNumber, const std::string& userDefinedName, int tlType) {
+DeviceDescription ProfileCamera(const std::string& serialNumber, const std::string& userDefinedName, int tlType)
+{
     DeviceDescription description =
         CameraWithFeatures(serialNumber, userDefinedName, tlType, "Scripted-Profile", ProfileCameraXml());
     description.frames = FrameScript::Empty().Add(FrameStep::Frame(1, 3200, 1, PFNC_COORD3D_C16).Chunks({64, 6400}));
     return description;
 }
 
-DeviceDescription FrameGrabberCard(const std::string& cardKey) {
+DeviceDescription FrameGrabberCard(const std::string& cardKey)
+{
     DeviceDescription description;
     description.role = DeviceRole::FrameGrabberCard;
     description.identity.tlType = ZYLGENICAM::TL_CAMERALINK;
@@ -74,7 +83,8 @@ DeviceDescription FrameGrabberCard(const std::string& cardKey) {
 }
 
 DeviceDescription CameraLinkCamera(const std::string& serialNumber, const std::string& cardKey,
-                                   const std::string& protocol, const std::string& serialPort) {
+                                   const std::string& protocol, const std::string& serialPort)
+{
     DeviceDescription description =
         CameraWithFeatures(serialNumber, "", ZYLGENICAM::TL_CAMERALINK, "Scripted-CL", AreaCameraXml());
     description.identity.clCardKey = cardKey;

@@ -20,7 +20,8 @@ constexpr std::size_t kReleasedImagesKept = 65536;
 // Longest wait GetImage honours, so "infinite" timeouts cannot overflow the clock.
 constexpr uint64_t kLongestWaitMs = 24ull * 3600 * 1000;
 
-uint64_t LargestFrameId(const FrameScript& script) {
+uint64_t LargestFrameId(const FrameScript& script)
+{
     uint64_t largest = 0;
     for (const FrameStep& step : script.steps) {
         largest = std::max(largest, step.frameId);
@@ -28,20 +29,21 @@ uint64_t LargestFrameId(const FrameScript& script) {
     return largest;
 }
 
-bool CarriesImage(const FrameStep& step) {
+bool CarriesImage(const FrameStep& step)
+{
     return step.kind == FrameStep::Kind::Frame || (step.kind == FrameStep::Kind::Code && step.withImage);
 }
 
 } // namespace
 
 ScriptedDevice::ScriptedDevice(DeviceDescription description)
-    : m_role(description.role),
-      m_identity(std::move(description.identity)),
-      m_script(std::move(description.frames)),
-      m_largestScriptFrameId(LargestFrameId(m_script)) {
+    : m_role(description.role), m_identity(std::move(description.identity)), m_script(std::move(description.frames)),
+      m_largestScriptFrameId(LargestFrameId(m_script))
+{
     for (std::size_t module = 0; module < m_modules.size(); ++module) {
         if (!description.moduleXml[module].empty()) {
-            m_modules[module] = std::make_unique<ScriptedModule>(description.moduleXml[module], m_identity.serialNumber);
+            m_modules[module] =
+                std::make_unique<ScriptedModule>(description.moduleXml[module], m_identity.serialNumber);
         }
     }
     if (GenApi_3_4::IString* userId = UserIdNode()) {
@@ -51,32 +53,38 @@ ScriptedDevice::ScriptedDevice(DeviceDescription description)
 
 ScriptedDevice::~ScriptedDevice() = default;
 
-std::string ScriptedDevice::SerialNumber() const {
+std::string ScriptedDevice::SerialNumber() const
+{
     Lock lock(m_mutex);
     return m_identity.serialNumber;
 }
 
-DeviceRole ScriptedDevice::Role() const {
+DeviceRole ScriptedDevice::Role() const
+{
     return m_role;
 }
 
-void ScriptedDevice::SetPresent(bool present) {
+void ScriptedDevice::SetPresent(bool present)
+{
     Lock lock(m_mutex);
     m_present = present;
 }
 
-void ScriptedDevice::Lose() {
+void ScriptedDevice::Lose()
+{
     Lock lock(m_mutex);
     m_lost = true;
     Changed();
 }
 
-bool ScriptedDevice::IsLost() const {
+bool ScriptedDevice::IsLost() const
+{
     Lock lock(m_mutex);
     return m_lost;
 }
 
-void ScriptedDevice::SetFrameScript(FrameScript script) {
+void ScriptedDevice::SetFrameScript(FrameScript script)
+{
     Lock lock(m_mutex);
     m_script = std::move(script);
     m_largestScriptFrameId = LargestFrameId(m_script);
@@ -86,24 +94,28 @@ void ScriptedDevice::SetFrameScript(FrameScript script) {
     Changed();
 }
 
-void ScriptedDevice::SetResult(SdkCall call, int code) {
+void ScriptedDevice::SetResult(SdkCall call, int code)
+{
     Lock lock(m_mutex);
     m_results[call] = code;
 }
 
-void ScriptedDevice::SetCreateCameraFails(bool fails) {
+void ScriptedDevice::SetCreateCameraFails(bool fails)
+{
     Lock lock(m_mutex);
     m_createCameraFails = fails;
 }
 
-void ScriptedDevice::SetModuleMissing(int module, bool missing) {
+void ScriptedDevice::SetModuleMissing(int module, bool missing)
+{
     Lock lock(m_mutex);
     if (module >= 0 && module < static_cast<int>(m_moduleMissing.size())) {
         m_moduleMissing[module] = missing;
     }
 }
 
-void ScriptedDevice::UpdateIdentity(const std::function<void(DeviceIdentity&)>& change) {
+void ScriptedDevice::UpdateIdentity(const std::function<void(DeviceIdentity&)>& change)
+{
     DeviceIdentity identity = Identity();
     change(identity);
     GenApi_3_4::IString* userId = UserIdNode();
@@ -114,7 +126,8 @@ void ScriptedDevice::UpdateIdentity(const std::function<void(DeviceIdentity&)>& 
     m_identity = std::move(identity);
 }
 
-DeviceIdentity ScriptedDevice::Identity() const {
+DeviceIdentity ScriptedDevice::Identity() const
+{
     DeviceIdentity identity;
     {
         Lock lock(m_mutex);
@@ -127,35 +140,41 @@ DeviceIdentity ScriptedDevice::Identity() const {
     return identity;
 }
 
-GenApi_3_4::INodeMap* ScriptedDevice::NodeMap(int module) const {
+GenApi_3_4::INodeMap* ScriptedDevice::NodeMap(int module) const
+{
     if (module < 0 || module >= static_cast<int>(m_modules.size()) || !m_modules[module]) {
         return nullptr;
     }
     return m_modules[module]->GetNodeMap();
 }
 
-DeviceCounters ScriptedDevice::Counters() const {
+DeviceCounters ScriptedDevice::Counters() const
+{
     Lock lock(m_mutex);
     return m_counters;
 }
 
 bool ScriptedDevice::WaitUntil(const std::function<bool(const DeviceCounters&)>& condition,
-                               std::chrono::milliseconds timeout) const {
+                               std::chrono::milliseconds timeout) const
+{
     Lock lock(m_mutex);
     return m_changed.wait_for(lock, timeout, [&] { return condition(m_counters); });
 }
 
-bool ScriptedDevice::IsPresent() const {
+bool ScriptedDevice::IsPresent() const
+{
     Lock lock(m_mutex);
     return m_present;
 }
 
-bool ScriptedDevice::CreateCameraFails() const {
+bool ScriptedDevice::CreateCameraFails() const
+{
     Lock lock(m_mutex);
     return m_createCameraFails;
 }
 
-ScriptedModule* ScriptedDevice::Module(int module) const {
+ScriptedModule* ScriptedDevice::Module(int module) const
+{
     Lock lock(m_mutex);
     if (module < 0 || module >= static_cast<int>(m_modules.size()) || m_moduleMissing[module]) {
         return nullptr;
@@ -163,26 +182,30 @@ ScriptedModule* ScriptedDevice::Module(int module) const {
     return m_modules[module].get();
 }
 
-void ScriptedDevice::CountRecordCreated() {
+void ScriptedDevice::CountRecordCreated()
+{
     Lock lock(m_mutex);
     ++m_counters.recordsCreated;
     Changed();
 }
 
-void ScriptedDevice::CountRecordDestroyed() {
+void ScriptedDevice::CountRecordDestroyed()
+{
     Lock lock(m_mutex);
     ++m_counters.recordsDestroyed;
     Changed();
 }
 
-void ScriptedDevice::CountCameraCreated(HandleState& handle) {
+void ScriptedDevice::CountCameraCreated(HandleState& handle)
+{
     Lock lock(m_mutex);
     handle.handleId = m_nextHandleId++;
     ++m_counters.camerasCreated;
     Changed();
 }
 
-void ScriptedDevice::CountCameraDestroyed(HandleState& handle) {
+void ScriptedDevice::CountCameraDestroyed(HandleState& handle)
+{
     Lock lock(m_mutex);
     handle.open = false;
     handle.grabbing = false;
@@ -191,17 +214,20 @@ void ScriptedDevice::CountCameraDestroyed(HandleState& handle) {
     Changed();
 }
 
-bool ScriptedDevice::IsOpen(const HandleState& handle) const {
+bool ScriptedDevice::IsOpen(const HandleState& handle) const
+{
     Lock lock(m_mutex);
     return handle.open;
 }
 
-bool ScriptedDevice::IsGrabbing(const HandleState& handle) const {
+bool ScriptedDevice::IsGrabbing(const HandleState& handle) const
+{
     Lock lock(m_mutex);
     return handle.grabbing;
 }
 
-int ScriptedDevice::Open(HandleState& handle, int /*accessMode*/) {
+int ScriptedDevice::Open(HandleState& handle, int /*accessMode*/)
+{
     Lock lock(m_mutex);
     ++m_counters.opens;
     Changed();
@@ -218,7 +244,8 @@ int ScriptedDevice::Open(HandleState& handle, int /*accessMode*/) {
     return code;
 }
 
-int ScriptedDevice::Close(HandleState& handle) {
+int ScriptedDevice::Close(HandleState& handle)
+{
     Lock lock(m_mutex);
     ++m_counters.closes;
     Changed();
@@ -234,7 +261,8 @@ int ScriptedDevice::Close(HandleState& handle) {
     return code;
 }
 
-int ScriptedDevice::StartGrabbing(HandleState& handle, int /*mode*/, uint64_t frameLimit) {
+int ScriptedDevice::StartGrabbing(HandleState& handle, int /*mode*/, uint64_t frameLimit)
+{
     Lock lock(m_mutex);
     ++m_counters.startGrabbings;
     m_counters.lastFrameLimit = frameLimit;
@@ -260,7 +288,8 @@ int ScriptedDevice::StartGrabbing(HandleState& handle, int /*mode*/, uint64_t fr
     return code;
 }
 
-int ScriptedDevice::StopGrabbing(HandleState& handle) {
+int ScriptedDevice::StopGrabbing(HandleState& handle)
+{
     Lock lock(m_mutex);
     ++m_counters.stopGrabbings;
     Changed();
@@ -275,7 +304,8 @@ int ScriptedDevice::StopGrabbing(HandleState& handle) {
     return code;
 }
 
-int ScriptedDevice::GetImage(HandleState& handle, ZYLGENICAM::IImage*& image, uint64_t timeoutMs) {
+int ScriptedDevice::GetImage(HandleState& handle, ZYLGENICAM::IImage*& image, uint64_t timeoutMs)
+{
     image = nullptr;
     Lock lock(m_mutex);
     ++m_counters.getImageCalls;
@@ -298,7 +328,8 @@ int ScriptedDevice::GetImage(HandleState& handle, ZYLGENICAM::IImage*& image, ui
         if (GrabInterrupted(handle, session)) {
             return ZYLGENICAM::SDK_TIMEOUT;
         }
-        const bool frameLimitReached = handle.frameLimit != ZYLGENICAM::NO_FRAME_LIMIT && handle.framesThisSession >= handle.frameLimit;
+        const bool frameLimitReached =
+            handle.frameLimit != ZYLGENICAM::NO_FRAME_LIMIT && handle.framesThisSession >= handle.frameLimit;
         if (frameLimitReached) {
             return WaitForTimeout(lock, handle, session, deadline);
         }
@@ -323,9 +354,8 @@ int ScriptedDevice::GetImage(HandleState& handle, ZYLGENICAM::IImage*& image, ui
         }
         if (due > Clock::now()) {
             const uint64_t version = m_scriptVersion;
-            m_changed.wait_until(lock, due, [&] {
-                return m_lost || GrabInterrupted(handle, session) || version != m_scriptVersion;
-            });
+            m_changed.wait_until(
+                lock, due, [&] { return m_lost || GrabInterrupted(handle, session) || version != m_scriptVersion; });
             continue;
         }
         ++m_scriptPosition;
@@ -343,7 +373,8 @@ int ScriptedDevice::GetImage(HandleState& handle, ZYLGENICAM::IImage*& image, ui
     }
 }
 
-int ScriptedDevice::SetCLProtocol(const char* protocol, const char* serialPort) {
+int ScriptedDevice::SetCLProtocol(const char* protocol, const char* serialPort)
+{
     Lock lock(m_mutex);
     SetCLProtocolCall call;
     call.unbind = protocol == nullptr && serialPort == nullptr;
@@ -354,7 +385,8 @@ int ScriptedDevice::SetCLProtocol(const char* protocol, const char* serialPort) 
     return Result(SdkCall::SetCLProtocol);
 }
 
-int ScriptedDevice::SetCameraIP(const SetCameraIPCall& call) {
+int ScriptedDevice::SetCameraIP(const SetCameraIPCall& call)
+{
     Lock lock(m_mutex);
     m_counters.cameraIPCalls.push_back(call);
     Changed();
@@ -367,7 +399,8 @@ int ScriptedDevice::SetCameraIP(const SetCameraIPCall& call) {
     return code;
 }
 
-void ScriptedDevice::Released(ScriptedImage* image, uint64_t /*handleId*/) {
+void ScriptedDevice::Released(ScriptedImage* image, uint64_t /*handleId*/)
+{
     Lock lock(m_mutex);
     if (!image->MarkReleased()) {
         ++m_counters.doubleReleases;
@@ -390,7 +423,8 @@ void ScriptedDevice::Released(ScriptedImage* image, uint64_t /*handleId*/) {
     Changed();
 }
 
-void ScriptedDevice::UsedAfterRelease(const char* operation) {
+void ScriptedDevice::UsedAfterRelease(const char* operation)
+{
     Lock lock(m_mutex);
     ++m_counters.imageUsesAfterRelease;
     const std::string serial = m_identity.serialNumber;
@@ -399,7 +433,8 @@ void ScriptedDevice::UsedAfterRelease(const char* operation) {
     ADD_FAILURE() << "scripted device " << serial << ": " << operation << " on a released image";
 }
 
-GenApi_3_4::IString* ScriptedDevice::UserIdNode() const {
+GenApi_3_4::IString* ScriptedDevice::UserIdNode() const
+{
     GenApi_3_4::INodeMap* nodeMap = NodeMap(3);
     if (nodeMap == nullptr) {
         return nullptr;
@@ -408,7 +443,8 @@ GenApi_3_4::IString* ScriptedDevice::UserIdNode() const {
     return userId.IsValid() ? static_cast<GenApi_3_4::IString*>(userId) : nullptr;
 }
 
-FrameStep ScriptedDevice::StepAt(uint64_t position) const {
+FrameStep ScriptedDevice::StepAt(uint64_t position) const
+{
     const uint64_t count = m_script.steps.size();
     if (position < count) {
         return m_script.steps[position];
@@ -423,22 +459,25 @@ FrameStep ScriptedDevice::StepAt(uint64_t position) const {
     return step;
 }
 
-bool ScriptedDevice::GrabInterrupted(const HandleState& handle, uint64_t session) {
+bool ScriptedDevice::GrabInterrupted(const HandleState& handle, uint64_t session)
+{
     return !handle.open || !handle.grabbing || handle.grabSession != session;
 }
 
-int ScriptedDevice::WaitForTimeout(Lock& lock, const HandleState& handle, uint64_t session,
-                                   Clock::time_point deadline) {
+int ScriptedDevice::WaitForTimeout(Lock& lock, const HandleState& handle, uint64_t session, Clock::time_point deadline)
+{
     m_changed.wait_until(lock, deadline, [&] { return m_lost || GrabInterrupted(handle, session); });
     return m_lost ? ZYLGENICAM::SDK_LOST : ZYLGENICAM::SDK_TIMEOUT;
 }
 
-int ScriptedDevice::Result(SdkCall call) const {
+int ScriptedDevice::Result(SdkCall call) const
+{
     auto found = m_results.find(call);
     return found != m_results.end() ? found->second : ZYLGENICAM::SDK_OK;
 }
 
-ScriptedImage* ScriptedDevice::HandOutImage(const FrameStep& step, HandleState& handle) {
+ScriptedImage* ScriptedDevice::HandOutImage(const FrameStep& step, HandleState& handle)
+{
     auto image = std::make_unique<ScriptedImage>(*this, handle.handleId, step);
     ScriptedImage* handedOut = image.get();
     m_imagesOut.emplace(handedOut, std::move(image));
@@ -446,7 +485,8 @@ ScriptedImage* ScriptedDevice::HandOutImage(const FrameStep& step, HandleState& 
     return handedOut;
 }
 
-void ScriptedDevice::Changed() {
+void ScriptedDevice::Changed()
+{
     m_changed.notify_all();
 }
 

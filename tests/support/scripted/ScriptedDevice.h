@@ -20,7 +20,7 @@
 namespace GenApi_3_4 {
 struct INodeMap;
 struct IString;
-}
+} // namespace GenApi_3_4
 
 namespace Scripted {
 
@@ -75,7 +75,7 @@ private:
         uint64_t handleId = 0;
         bool open = false;
         bool grabbing = false;
-        uint64_t grabSession = 0;  // changes on every start and stop so waiting reads end
+        uint64_t grabSession = 0; // changes on every start and stop so waiting reads end
         uint64_t framesThisSession = 0;
         uint64_t frameLimit = ZYLGENICAM::NO_FRAME_LIMIT;
         std::chrono::steady_clock::time_point lastAnswer;
@@ -114,7 +114,7 @@ private:
                        std::chrono::steady_clock::time_point deadline);
     int Result(SdkCall call) const;
     ScriptedImage* HandOutImage(const FrameStep& step, HandleState& handle);
-    void Changed();  // wakes GetImage waits and WaitUntil
+    void Changed(); // wakes GetImage waits and WaitUntil
 
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;

@@ -8,14 +8,16 @@ namespace Scripted {
 namespace {
 
 // PFNC codes carry the bits per pixel in bits 16 to 23.
-uint64_t BitsPerPixel(uint64_t pixelFormat) {
+uint64_t BitsPerPixel(uint64_t pixelFormat)
+{
     return (pixelFormat >> 16) & 0xFF;
 }
 
 } // namespace
 
 ScriptedImage::ScriptedImage(ScriptedDevice& device, uint64_t handleId, const FrameStep& step)
-    : m_device(device), m_handleId(handleId), m_step(step) {
+    : m_device(device), m_handleId(handleId), m_step(step)
+{
     uint64_t chunkId = 1;
     for (uint64_t size : m_step.chunkSizes) {
         m_chunks.push_back(std::make_unique<ScriptedChunk>(*this, chunkId++, size));
@@ -24,31 +26,37 @@ ScriptedImage::ScriptedImage(ScriptedDevice& device, uint64_t handleId, const Fr
 
 ScriptedImage::~ScriptedImage() = default;
 
-bool ScriptedImage::IsValid() {
+bool ScriptedImage::IsValid()
+{
     return CheckOut("IImage::IsValid") && m_step.valid;
 }
 
-uint64_t ScriptedImage::GetFrameId() {
+uint64_t ScriptedImage::GetFrameId()
+{
     CheckOut("IImage::GetFrameId");
     return m_step.frameId;
 }
 
-uint64_t ScriptedImage::GetWidth() {
+uint64_t ScriptedImage::GetWidth()
+{
     CheckOut("IImage::GetWidth");
     return m_step.width;
 }
 
-uint64_t ScriptedImage::GetHeight() {
+uint64_t ScriptedImage::GetHeight()
+{
     CheckOut("IImage::GetHeight");
     return m_step.height;
 }
 
-uint64_t ScriptedImage::GetPixelFormat() {
+uint64_t ScriptedImage::GetPixelFormat()
+{
     CheckOut("IImage::GetPixelFormat");
     return m_step.pixelFormat;
 }
 
-std::list<ZYLGENICAM::IChunk*> ScriptedImage::GetChunkList() {
+std::list<ZYLGENICAM::IChunk*> ScriptedImage::GetChunkList()
+{
     std::list<ZYLGENICAM::IChunk*> chunks;
     if (CheckOut("IImage::GetChunkList")) {
         for (const auto& chunk : m_chunks) {
@@ -58,7 +66,8 @@ std::list<ZYLGENICAM::IChunk*> ScriptedImage::GetChunkList() {
     return chunks;
 }
 
-const void* ScriptedImage::GetData() {
+const void* ScriptedImage::GetData()
+{
     if (!CheckOut("IImage::GetData")) {
         return nullptr;
     }
@@ -66,30 +75,36 @@ const void* ScriptedImage::GetData() {
     return m_data.data();
 }
 
-uint64_t ScriptedImage::GetDataSize() {
+uint64_t ScriptedImage::GetDataSize()
+{
     CheckOut("IImage::GetDataSize");
     return m_step.width * m_step.height * BitsPerPixel(m_step.pixelFormat) / 8;
 }
 
-uint64_t ScriptedImage::GetTimestamp() {
+uint64_t ScriptedImage::GetTimestamp()
+{
     CheckOut("IImage::GetTimestamp");
     return m_step.timestampNs;
 }
 
-void ScriptedImage::Release() {
+void ScriptedImage::Release()
+{
     m_device.Released(this, m_handleId);
 }
 
-bool ScriptedImage::MarkReleased() {
+bool ScriptedImage::MarkReleased()
+{
     return !m_released.exchange(true);
 }
 
-void ScriptedImage::FreeBuffers() {
+void ScriptedImage::FreeBuffers()
+{
     std::vector<unsigned char>().swap(m_data);
     m_chunks.clear();
 }
 
-bool ScriptedImage::CheckOut(const char* operation) const {
+bool ScriptedImage::CheckOut(const char* operation) const
+{
     if (m_released.load()) {
         m_device.UsedAfterRelease(operation);
         return false;

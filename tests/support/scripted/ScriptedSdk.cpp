@@ -15,27 +15,32 @@ namespace {
 
 using DeviceFilter = bool (*)(ScriptedDevice& device, uint64_t mask);
 
-bool IsCameraInMask(ScriptedDevice& device, uint64_t mask) {
+bool IsCameraInMask(ScriptedDevice& device, uint64_t mask)
+{
     return device.Role() == DeviceRole::Camera && (mask & static_cast<uint64_t>(device.Identity().tlType)) != 0;
 }
 
-bool IsCard(ScriptedDevice& device, uint64_t /*mask*/) {
+bool IsCard(ScriptedDevice& device, uint64_t /*mask*/)
+{
     return device.Role() == DeviceRole::FrameGrabberCard;
 }
 
-std::string TextOrEmpty(const char* text) {
+std::string TextOrEmpty(const char* text)
+{
     return text != nullptr ? text : "";
 }
 
 } // namespace
 
-ScriptedSdk& ScriptedSdk::Instance() {
+ScriptedSdk& ScriptedSdk::Instance()
+{
     // Never destroyed: detached library threads may still reach the SDK while the process exits.
     static ScriptedSdk* instance = new ScriptedSdk();
     return *instance;
 }
 
-void ScriptedSdk::Reset() {
+void ScriptedSdk::Reset()
+{
     std::vector<std::shared_ptr<ScriptedDevice>> devices;
     std::vector<std::unique_ptr<ScriptedCameraInfo>> records;
     std::vector<std::unique_ptr<ScriptedCamera>> cameras;
@@ -50,14 +55,16 @@ void ScriptedSdk::Reset() {
     m_counters = SdkCounters();
 }
 
-ScriptedDevice& ScriptedSdk::AddDevice(DeviceDescription description) {
+ScriptedDevice& ScriptedSdk::AddDevice(DeviceDescription description)
+{
     auto device = std::make_shared<ScriptedDevice>(std::move(description));
     std::lock_guard<std::mutex> lock(m_mutex);
     m_devices.push_back(device);
     return *device;
 }
 
-ScriptedDevice* ScriptedSdk::FindDevice(const std::string& serialNumber) {
+ScriptedDevice* ScriptedSdk::FindDevice(const std::string& serialNumber)
+{
     for (const auto& device : DevicesSnapshot()) {
         if (device->SerialNumber() == serialNumber) {
             return device.get();
@@ -66,44 +73,52 @@ ScriptedDevice* ScriptedSdk::FindDevice(const std::string& serialNumber) {
     return nullptr;
 }
 
-void ScriptedSdk::SetInitResult(int code) {
+void ScriptedSdk::SetInitResult(int code)
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     m_initResult = code;
 }
 
-void ScriptedSdk::SetCLSerials(std::list<std::string> serials) {
+void ScriptedSdk::SetCLSerials(std::list<std::string> serials)
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     m_clSerials = std::move(serials);
 }
 
-void ScriptedSdk::SetCLProtocols(std::list<std::string> protocols) {
+void ScriptedSdk::SetCLProtocols(std::list<std::string> protocols)
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     m_clProtocols = std::move(protocols);
 }
 
-void ScriptedSdk::SetDiscoveryDelay(std::chrono::milliseconds delay) {
+void ScriptedSdk::SetDiscoveryDelay(std::chrono::milliseconds delay)
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     m_discoveryDelay = delay;
 }
 
-SdkCounters ScriptedSdk::Counters() const {
+SdkCounters ScriptedSdk::Counters() const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_counters;
 }
 
-int ScriptedSdk::Init() {
+int ScriptedSdk::Init()
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     ++m_counters.inits;
     return m_initResult;
 }
 
-int ScriptedSdk::UnInit() {
+int ScriptedSdk::UnInit()
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     ++m_counters.uninits;
     return ZYLGENICAM::SDK_OK;
 }
 
-std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryByTLType(uint64_t mask) {
+std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryByTLType(uint64_t mask)
+{
     std::chrono::milliseconds delay;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
@@ -114,7 +129,8 @@ std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryByTLType(uint64_t mask
     return MakeRecords(IsCameraInMask, mask);
 }
 
-ZYLGENICAM::ICamera* ScriptedSdk::CreateCamera(ZYLGENICAM::ICameraInfo* info) {
+ZYLGENICAM::ICamera* ScriptedSdk::CreateCamera(ZYLGENICAM::ICameraInfo* info)
+{
     if (info == nullptr) {
         return nullptr;
     }
@@ -137,26 +153,31 @@ ZYLGENICAM::ICamera* ScriptedSdk::CreateCamera(ZYLGENICAM::ICameraInfo* info) {
     return created;
 }
 
-std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryCLCards() {
+std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryCLCards()
+{
     return MakeRecords(IsCard, 0);
 }
 
-std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryCLCameras() {
+std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryCLCameras()
+{
     return MakeRecords(IsCameraInMask, ZYLGENICAM::TL_CAMERALINK);
 }
 
-std::list<std::string> ScriptedSdk::GetCLSerials() const {
+std::list<std::string> ScriptedSdk::GetCLSerials() const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_clSerials;
 }
 
-std::list<std::string> ScriptedSdk::GetCLProtocols() const {
+std::list<std::string> ScriptedSdk::GetCLProtocols() const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_clProtocols;
 }
 
 int64_t ScriptedSdk::SetCameraIP(const char* serialNumber, const char* ip, const char* mask, const char* gateway,
-                                 bool persistent) {
+                                 bool persistent)
+{
     ScriptedDevice* device = serialNumber != nullptr ? FindDevice(serialNumber) : nullptr;
     if (device == nullptr) {
         return ZYLGENICAM::SDK_INVALID_ARGUMENT;
@@ -169,7 +190,8 @@ int64_t ScriptedSdk::SetCameraIP(const char* serialNumber, const char* ip, const
     return device->SetCameraIP(call);
 }
 
-void ScriptedSdk::ReportMisuse(const std::string& what) {
+void ScriptedSdk::ReportMisuse(const std::string& what)
+{
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         ++m_counters.misuses;
@@ -177,12 +199,14 @@ void ScriptedSdk::ReportMisuse(const std::string& what) {
     ADD_FAILURE() << "scripted SDK: " << what;
 }
 
-std::vector<std::shared_ptr<ScriptedDevice>> ScriptedSdk::DevicesSnapshot() const {
+std::vector<std::shared_ptr<ScriptedDevice>> ScriptedSdk::DevicesSnapshot() const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_devices;
 }
 
-std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::MakeRecords(DeviceFilter filter, uint64_t mask) {
+std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::MakeRecords(DeviceFilter filter, uint64_t mask)
+{
     std::list<ZYLGENICAM::ICameraInfo*> records;
     std::vector<std::unique_ptr<ScriptedCameraInfo>> made;
     for (const auto& device : DevicesSnapshot()) {
@@ -198,14 +222,17 @@ std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::MakeRecords(DeviceFilter filter
     return records;
 }
 
-ScriptedCameraInfo* ScriptedSdk::KnownRecord(ZYLGENICAM::ICameraInfo* info) const {
+ScriptedCameraInfo* ScriptedSdk::KnownRecord(ZYLGENICAM::ICameraInfo* info) const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
-    auto found = std::find_if(m_records.begin(), m_records.end(),
-                              [info](const std::unique_ptr<ScriptedCameraInfo>& record) { return record.get() == info; });
+    auto found =
+        std::find_if(m_records.begin(), m_records.end(),
+                     [info](const std::unique_ptr<ScriptedCameraInfo>& record) { return record.get() == info; });
     return found != m_records.end() ? found->get() : nullptr;
 }
 
-ScriptedDevice& OnlyDevice(DeviceDescription description) {
+ScriptedDevice& OnlyDevice(DeviceDescription description)
+{
     ScriptedSdk::Instance().Reset();
     return ScriptedSdk::Instance().AddDevice(std::move(description));
 }
@@ -214,39 +241,48 @@ ScriptedDevice& OnlyDevice(DeviceDescription description) {
 
 namespace ZYLGENICAM {
 
-int Init() {
+int Init()
+{
     return Scripted::ScriptedSdk::Instance().Init();
 }
 
-int UnInit() {
+int UnInit()
+{
     return Scripted::ScriptedSdk::Instance().UnInit();
 }
 
-std::list<ICameraInfo*> DiscoveryByTLType(uint64_t mask) {
+std::list<ICameraInfo*> DiscoveryByTLType(uint64_t mask)
+{
     return Scripted::ScriptedSdk::Instance().DiscoveryByTLType(mask);
 }
 
-ICamera* CreateCamera(ICameraInfo* info) {
+ICamera* CreateCamera(ICameraInfo* info)
+{
     return Scripted::ScriptedSdk::Instance().CreateCamera(info);
 }
 
-std::list<ICameraInfo*> DiscoveryCLCards() {
+std::list<ICameraInfo*> DiscoveryCLCards()
+{
     return Scripted::ScriptedSdk::Instance().DiscoveryCLCards();
 }
 
-std::list<ICameraInfo*> DiscoveryCLCameras() {
+std::list<ICameraInfo*> DiscoveryCLCameras()
+{
     return Scripted::ScriptedSdk::Instance().DiscoveryCLCameras();
 }
 
-std::list<std::string> GetCLSerials() {
+std::list<std::string> GetCLSerials()
+{
     return Scripted::ScriptedSdk::Instance().GetCLSerials();
 }
 
-std::list<std::string> GetCLProtocols() {
+std::list<std::string> GetCLProtocols()
+{
     return Scripted::ScriptedSdk::Instance().GetCLProtocols();
 }
 
-int64_t SetCameraIP(const char* serialNumber, const char* ip, const char* mask, const char* gateway, bool persistent) {
+int64_t SetCameraIP(const char* serialNumber, const char* ip, const char* mask, const char* gateway, bool persistent)
+{
     return Scripted::ScriptedSdk::Instance().SetCameraIP(serialNumber, ip, mask, gateway, persistent);
 }
 

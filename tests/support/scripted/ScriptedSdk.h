@@ -31,8 +31,8 @@ class ScriptedCameraInfo;
 struct SdkCounters {
     uint64_t inits = 0;
     uint64_t uninits = 0;
-    uint64_t discoveries = 0;  // DiscoveryByTLType calls
-    uint64_t misuses = 0;      // calls on destroyed handles or records (also test failures)
+    uint64_t discoveries = 0; // DiscoveryByTLType calls
+    uint64_t misuses = 0;     // calls on destroyed handles or records (also test failures)
 };
 
 class ScriptedSdk {
@@ -72,7 +72,8 @@ private:
     ScriptedSdk() = default;
     std::vector<std::shared_ptr<ScriptedDevice>> DevicesSnapshot() const;
     // Fresh records of the present devices the filter accepts, in the order they were added.
-    std::list<ZYLGENICAM::ICameraInfo*> MakeRecords(bool (*filter)(ScriptedDevice& device, uint64_t mask), uint64_t mask);
+    std::list<ZYLGENICAM::ICameraInfo*> MakeRecords(bool (*filter)(ScriptedDevice& device, uint64_t mask),
+                                                    uint64_t mask);
     ScriptedCameraInfo* KnownRecord(ZYLGENICAM::ICameraInfo* info) const;
 
     mutable std::mutex m_mutex;

@@ -21,9 +21,9 @@ inline constexpr uint64_t PFNC_COORD3D_C16 = 0x011000B8;
 // One answer of ICamera::GetImage.
 struct FrameStep {
     enum class Kind {
-        Frame,    // result 0 with an image
-        Timeout,  // waits the caller's whole timeout, then SDK_TIMEOUT
-        Code,     // returns `code` at once, with an image only when `withImage` is set
+        Frame,   // result 0 with an image
+        Timeout, // waits the caller's whole timeout, then SDK_TIMEOUT
+        Code,    // returns `code` at once, with an image only when `withImage` is set
     };
     Kind kind = Kind::Frame;
     int code = ZYLGENICAM::SDK_OK;
@@ -33,9 +33,9 @@ struct FrameStep {
     uint64_t pixelFormat = PFNC_MONO8;
     bool valid = true;
     bool withImage = false;
-    std::vector<uint64_t> chunkSizes;       // one chunk per entry, ids 1, 2, ...
+    std::vector<uint64_t> chunkSizes; // one chunk per entry, ids 1, 2, ...
     uint64_t timestampNs = 0;
-    std::chrono::milliseconds delay{0};     // the step is not due before this long after the previous answer
+    std::chrono::milliseconds delay{0}; // the step is not due before this long after the previous answer
 
     static FrameStep Frame(uint64_t frameId, uint64_t width = 640, uint64_t height = 480,
                            uint64_t pixelFormat = PFNC_MONO8);
@@ -51,7 +51,7 @@ struct FrameStep {
 
 // What GetImage answers once every step has been used.
 enum class WhenExhausted {
-    Repeat,       // the steps again, each frame id raised by the script's largest frame id per round
+    Repeat, // the steps again, each frame id raised by the script's largest frame id per round
     KeepTimingOut,
 };
 
@@ -63,7 +63,7 @@ struct FrameScript {
     // Least time between two frames (0: as fast as asked); timeouts and codes are not paced.
     std::chrono::milliseconds framePeriod{0};
 
-    static FrameScript Empty();  // no steps: ready to Add to
+    static FrameScript Empty(); // no steps: ready to Add to
     FrameScript& Add(FrameStep step);
     // count frames with ids firstId, firstId + 1, ...
     FrameScript& AddFrames(uint64_t firstId, uint64_t count, uint64_t width = 640, uint64_t height = 480,
@@ -73,13 +73,13 @@ struct FrameScript {
 };
 
 enum class DeviceRole {
-    Camera,            // listed by DiscoveryByTLType (and by DiscoveryCLCameras when TL type is Camera Link)
-    FrameGrabberCard,  // listed only by DiscoveryCLCards; serial number is the card key
+    Camera,           // listed by DiscoveryByTLType (and by DiscoveryCLCameras when TL type is Camera Link)
+    FrameGrabberCard, // listed only by DiscoveryCLCards; serial number is the card key
 };
 
 struct DeviceIdentity {
     int tlType = ZYLGENICAM::TL_GIGE;
-    int accessStatus = 3;  // 0 and 1: not available
+    int accessStatus = 3; // 0 and 1: not available
     std::string serialNumber;
     std::string modelName = "Scripted-Area";
     // Initial value of the node map's "DeviceUserID" when module 3 has one: that node is what
@@ -111,7 +111,7 @@ struct DeviceDescription {
 enum class SdkCall { Open, Close, StartGrabbing, StopGrabbing, SetCLProtocol, SetCameraIP };
 
 struct SetCLProtocolCall {
-    bool unbind = false;  // both arguments null
+    bool unbind = false; // both arguments null
     std::string protocol;
     std::string serialPort;
 };
@@ -130,16 +130,16 @@ struct DeviceCounters {
     uint64_t doubleReleases = 0;        // also reported as a test failure
     uint64_t imageUsesAfterRelease = 0; // also reported as a test failure
     uint64_t getImageCalls = 0;
-    uint64_t opens = 0;                 // Open calls, whatever their result
+    uint64_t opens = 0; // Open calls, whatever their result
     uint64_t closes = 0;
     uint64_t startGrabbings = 0;
     uint64_t stopGrabbings = 0;
     std::optional<uint64_t> lastFrameLimit;
-    uint64_t camerasCreated = 0;        // CreateCamera handles
+    uint64_t camerasCreated = 0; // CreateCamera handles
     uint64_t camerasDestroyed = 0;
-    uint64_t recordsCreated = 0;        // discovery records
+    uint64_t recordsCreated = 0; // discovery records
     uint64_t recordsDestroyed = 0;
-    uint64_t stepsAnswered = 0;         // position in the frame script
+    uint64_t stepsAnswered = 0; // position in the frame script
     std::vector<SetCLProtocolCall> clProtocolCalls;
     std::vector<SetCameraIPCall> cameraIPCalls;
 
