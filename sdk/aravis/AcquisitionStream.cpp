@@ -1,6 +1,7 @@
 #include "sdk/aravis/AcquisitionStream.h"
 
 #include "sdk/aravis/FrameBufferInfo.h"
+#include "sdk/aravis/LostDeviceTeardown.h"
 
 namespace ZYLGENICAM {
 
@@ -15,6 +16,22 @@ void DeleteFrameBufferInfo(void* info)
 }
 
 } // namespace
+
+std::shared_ptr<AcquisitionStream> AcquisitionStream::Create(ArvStream* stream, std::size_t bufferSize,
+                                                             unsigned poolSize)
+{
+    return std::shared_ptr<AcquisitionStream>(new AcquisitionStream(stream, bufferSize, poolSize), Destroy);
+}
+
+void AcquisitionStream::Destroy(AcquisitionStream* stream)
+{
+    if (!stream->m_deviceLost.load()) {
+        delete stream;
+        return;
+    }
+    std::string key = stream->m_teardownKey;
+    LostDeviceTeardown::Instance().Add(std::shared_ptr<AcquisitionStream>(stream), std::move(key));
+}
 
 AcquisitionStream::AcquisitionStream(ArvStream* stream, std::size_t bufferSize, unsigned poolSize) : m_stream(stream)
 {
@@ -32,6 +49,14 @@ ArvBuffer* AcquisitionStream::Pop(uint64_t timeoutMs)
 void AcquisitionStream::Push(ArvBuffer* buffer)
 {
     arv_stream_push_buffer(m_stream.get(), buffer);
+}
+
+void AcquisitionStream::MarkDeviceLost(std::string teardownKey)
+{
+    if (m_deviceLost.load())
+        return;
+    m_teardownKey = std::move(teardownKey);
+    m_deviceLost.store(true);
 }
 
 uint64_t AcquisitionStream::ContinuousFrameId(uint64_t deviceFrameId)

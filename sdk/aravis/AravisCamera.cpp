@@ -251,7 +251,7 @@ int AravisCamera::StartGrabbing(int, uint64_t)
                      m_streamModule->PacketResend() ? ARV_GV_STREAM_PACKET_RESEND_ALWAYS
                                                     : ARV_GV_STREAM_PACKET_RESEND_NEVER,
                      nullptr);
-    auto stream = std::make_shared<AcquisitionStream>(created, std::size_t(payload), m_streamModule->BufferCount());
+    auto stream = AcquisitionStream::Create(created, std::size_t(payload), m_streamModule->BufferCount());
     if (!ExecuteCommand("AcquisitionStart"))
         return SDK_ERROR;
     m_streamModule->Attach(stream);
@@ -278,11 +278,11 @@ void AravisCamera::StopStreamLocked()
     MarkLostUnlessAnsweringLocked();
     m_streamModule->Detach();
     if (IsLost()) {
-        LostDeviceTeardown::Instance().Add(std::move(m_stream), TeardownKey(m_info->m_record));
+        m_stream->MarkDeviceLost(TeardownKey(m_info->m_record));
     } else {
         ExecuteCommand("AcquisitionStop");
-        m_stream.reset();
     }
+    m_stream.reset();
     m_grabbing.store(false);
 }
 
