@@ -198,7 +198,10 @@ TEST_F(SdkSimulatedCameraTest, HeldFramesEmptyThePoolUntilReleased)
     ASSERT_NE(camera->GetModule4(), nullptr);
     GenApi::INodeMap* stream = camera->GetModule4()->GetNodeMap();
     auto counter = [stream](const char* name) { return GenApi::CIntegerPtr(stream->GetNode(name))->GetValue(); };
-    GenApi::CIntegerPtr(stream->GetNode("StreamBufferCount"))->SetValue(4);
+    GenApi::CIntegerPtr bufferCount = stream->GetNode("StreamBufferCount");
+    bufferCount->SetValue(1);
+    EXPECT_EQ(bufferCount->GetValue(), 1) << "one buffer is the smallest pool";
+    bufferCount->SetValue(4);
     ASSERT_EQ(camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
     std::vector<IImage*> held;
     IImage* image = nullptr;

@@ -106,6 +106,19 @@ TEST_F(CameraLinkTest, OpeningACameraOpensItsCardFirst)
     EXPECT_EQ(camera.Counters().closes, 1u);
 }
 
+TEST_F(CameraLinkTest, ACameraThatCannotBeBoundLeavesItsCardOpenAndIsShownClosed)
+{
+    auto& camera = ListCardAndCamera();
+    camera.SetResult(Scripted::SdkCall::SetCLProtocol, -1);
+    bench.Events().Clear();
+    EXPECT_NE(Manager().OpenCLCamera(CAMERA_ID, "CameraLink", "COM1"), 0);
+    EXPECT_EQ(Manager().GetOpenedCardIds(), std::vector<std::string>{"card0"});
+    EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
+    const Events events = bench.Events().Snapshot();
+    ASSERT_FALSE(events.deviceLists.empty());
+    EXPECT_EQ(events.deviceLists.back().second, std::vector<std::string>{CAMERA_ID});
+}
+
 TEST_F(CameraLinkTest, CardNodesAreReachedThroughTheOpenedCard)
 {
     ListCardAndCamera();

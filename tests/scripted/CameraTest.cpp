@@ -185,6 +185,7 @@ TEST_F(CameraTest, LostCameraIsStoppedLoggedOnceAndRemoved)
     const auto deviceLists = host.DeviceLists();
     ASSERT_FALSE(deviceLists.empty());
     EXPECT_EQ(deviceLists.back().key, cameraKey);
+    EXPECT_EQ(deviceLists.back().available, "0") << "the list announcing the loss shows the camera unavailable";
     const Scripted::DeviceCounters counters = device.Counters();
     EXPECT_EQ(counters.stopGrabbings, 1u);
     EXPECT_EQ(counters.camerasDestroyed, 1u);
@@ -203,6 +204,7 @@ TEST_F(CameraTest, LostCameraLinkCameraBecomesAPlaceholder)
     camera->SetVirtualSuffix("2");
     camera->SetText(ViewerBiz3::CAM_CL_PROTOCOL, "GenCP");
     ASSERT_EQ(camera->OpenCamera(1), 0);
+    ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
 
     device.Lose();
 
@@ -217,6 +219,8 @@ TEST_F(CameraTest, LostCameraLinkCameraBecomesAPlaceholder)
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_TEXT59), "1");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_TEXT60), "0");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_OPENED), "0");
+    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_GRABBING), "0") << "the placeholder does not grab on";
+    EXPECT_EQ(device.Counters().stopGrabbings, 1u);
 }
 
 TEST_F(CameraTest, AddressChangeOnlyWhileClosed)

@@ -56,6 +56,13 @@ TEST_F(GenApiNodeMap, FindsNodesByNameAndKeepsThemStable)
     EXPECT_EQ(nodeMap->GetNode("Mono8"), nullptr);
     ASSERT_NE(nodeMap->GetNode("EnumEntry_PixelFormat_Mono8"), nullptr);
     EXPECT_EQ(nodeMap->GetNode("EnumEntry_PixelFormat_Nothing"), nullptr);
+
+    CCategoryPtr imageFormat = nodeMap->GetNode("ImageFormatControl");
+    ASSERT_TRUE(imageFormat.IsValid());
+    FeatureList_t features(2, nullptr);
+    imageFormat->GetFeatures(features);
+    ASSERT_EQ(features.size(), 5u) << "the call replaces what the host's list held";
+    EXPECT_EQ(std::string(features.front()->GetNode()->GetName()), "Width");
 }
 
 TEST_F(GenApiNodeMap, AccessModeFoldsInImplementedAvailableAndLocked)

@@ -129,11 +129,11 @@ TEST_F(SettingsFile, StoredNullMeansMissing)
 
 TEST_F(SettingsFile, KeysAndSectionAreFoundWhateverTheirCase)
 {
-    Install("[user]\nLAYOUT = 4\nimage2dsaveforamt = 9\nlanguage = Italiano\n");
+    Install("[user]\nLAYOUT = 4\nimage2dsaveforamt = 9\nlanguage = Deutsch\nLanguage = Italiano\n");
     std::unique_ptr<ParameterManager> settings = LoadedSettings();
     EXPECT_EQ(4, settings->GetLayoutType());
     EXPECT_EQ("9", settings->GetParamterInfo(PARAM_IMAGE_2D_SAVE_FORMAT));
-    EXPECT_EQ("Italiano", settings->GetLanguage());
+    EXPECT_EQ("Italiano", settings->GetLanguage()) << "a key given twice counts as its last line";
 
     // Saving updates the existing keys rather than adding a second spelling.
     settings->SetLayoutType(static_cast<LAYOUT_TYPE>(5));

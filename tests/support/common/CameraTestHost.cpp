@@ -118,13 +118,15 @@ void CameraTestHost::NotifyAcqStatisticUpdate(std::string key, bool flag)
 void CameraTestHost::NotifyDeviceListUpdate(std::string listKey, std::string key)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    m_deviceLists.push_back({listKey, key, true});
+    auto found = m_cameras.find(key);
+    m_deviceLists.push_back(
+        {listKey, key, true, found == m_cameras.end() ? "" : found->second->GetInfo(ViewerBiz3::CAM_AVAILABLE)});
 }
 
 void CameraTestHost::NotifyDeviceListUpdate()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    m_deviceLists.push_back({"", "", false});
+    m_deviceLists.push_back({"", "", false, ""});
 }
 
 void CameraTestHost::RemoveOpenedCamera(std::string key)

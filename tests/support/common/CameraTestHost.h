@@ -29,6 +29,8 @@ public:
         std::string listKey;
         std::string key;
         bool withArguments;
+        // What the named camera, if the host owns it, tells a list built now.
+        std::string available;
     };
 
     // Registers itself as the process's camera host.
