@@ -72,7 +72,7 @@ run_checked("pkg-config" pkg-config --cflags --libs viewerbiz3)
 string(STRIP "${last_output}" pkg_flags)
 separate_arguments(pkg_flags UNIX_COMMAND "${pkg_flags}")
 run_checked("build pkg-config host" ${VB3_CXX} -std=c++17 ${sanitizer_flags} ${VB3_HOST_DIR}/InstallHost.cpp
-  ${VB3_HOST_DIR}/NodeMapTour.cpp ${pkg_flags} -o ${VB3_WORK_DIR}/pkg-config-host)
+  ${pkg_flags} -o ${VB3_WORK_DIR}/pkg-config-host)
 set(ENV{LD_LIBRARY_PATH} ${lib_dir})
 run_checked("run pkg-config host" ${VB3_WORK_DIR}/pkg-config-host)
 

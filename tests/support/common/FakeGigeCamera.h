@@ -1,29 +1,28 @@
 // A simulated GigE Vision camera in its own process (arv-fake-gv-camera-0.8 from aravis-tools),
-// listening on 127.0.0.1 or another loopback address the namespace has. Use it only inside a
-// private network namespace. The test owns the
-// process: it is stopped by its id, at the latest when this object goes away.
+// listening on 127.0.0.1, or on an address of another network namespace the test made. Use it
+// only inside a private network namespace. The process is stopped by its id, at the latest when
+// this object goes away.
 #pragma once
 
 #include <sys/types.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 class FakeGigeCamera {
 public:
-    explicit FakeGigeCamera(std::string serialNumber = "VB3GV01", std::string address = kAddress);
-    ~FakeGigeCamera();
+    static constexpr const char* kProgram = "arv-fake-gv-camera-0.8";
+    static constexpr const char* kAddress = "127.0.0.1";
 
+    // networkNamespace: the name of the namespace ("ip netns") the process runs in; empty for ours.
+    explicit FakeGigeCamera(std::string serialNumber, std::string address = kAddress,
+                            std::string networkNamespace = "");
+    ~FakeGigeCamera();
     FakeGigeCamera(const FakeGigeCamera&) = delete;
     FakeGigeCamera& operator=(const FakeGigeCamera&) = delete;
 
     static bool ProgramAvailable();
-    static constexpr const char* kProgram = "arv-fake-gv-camera-0.8";
-    static constexpr const char* kAddress = "127.0.0.1";
-
     // Starts the process and waits until it answers GigE Vision discovery; false on failure.
-    bool Start(int timeoutMs = 10000);
+    bool Start();
     // Kills the process (as a power cut would) and reaps it. The kernel then answers for the closed
     // port at once, so a dead camera on loopback is quick to find out.
     void Kill();
@@ -31,18 +30,13 @@ public:
     // unanswered until Thaw (the cable plugged back in).
     void Freeze();
     void Thaw();
-    bool IsRunning() const { return m_pid > 0; }
     const std::string& SerialNumber() const { return m_serialNumber; }
-    const std::string& Address() const { return m_address; }
-    // Every fake camera reports the MAC address 00:00:00:00:00:00. It keeps its bootstrap registers
-    // in plain memory, so writing the register of the address's low four bytes gives it another.
-    bool SetMacAddressLow(uint32_t low);
 
 private:
-    std::vector<uint8_t> Exchange(const std::vector<uint8_t>& command, int timeoutMs) const;
-    bool AnswersDiscovery(int timeoutMs) const;
+    bool AnswersDiscovery() const;
 
     std::string m_serialNumber;
     std::string m_address;
+    std::string m_networkNamespace;
     pid_t m_pid = -1;
 };

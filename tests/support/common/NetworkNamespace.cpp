@@ -64,6 +64,9 @@ NetworkNamespace::~NetworkNamespace()
         setns(m_originalNamespace, CLONE_NEWNET);
     if (m_originalNamespace >= 0)
         close(m_originalNamespace);
+    // Deleting one end of a veth pair deletes both; the namespace itself may linger a moment.
+    for (const std::string& adapter : m_adapters)
+        Run("ip link del " + adapter);
     Run("ip netns del " + m_name);
 }
 
@@ -75,8 +78,10 @@ bool NetworkNamespace::Ip(const std::string& arguments)
 bool NetworkNamespace::LinkFromCaller(const std::string& adapter, const std::string& adapterAddress,
                                       const std::string& peer, const std::string& peerAddress)
 {
-    return m_ready && Run("ip link add " + adapter + " type veth peer name " + peer + " netns " + m_name) &&
-           Run("ip addr add " + adapterAddress + " broadcast + dev " + adapter) &&
+    if (!m_ready || !Run("ip link add " + adapter + " type veth peer name " + peer + " netns " + m_name))
+        return false;
+    m_adapters.push_back(adapter);
+    return Run("ip addr add " + adapterAddress + " broadcast + dev " + adapter) &&
            Run("ip link set " + adapter + " up") && Ip("addr add " + peerAddress + " broadcast + dev " + peer) &&
            Ip("link set " + peer + " up");
 }
@@ -115,14 +120,8 @@ bool NetworkNamespace::RunInside(const std::function<std::string()>& work, std::
         if (target < 0 || setns(target, CLONE_NEWNET) != 0)
             _exit(1);
         std::string text = work();
-        std::size_t written = 0;
-        while (written < text.size()) {
-            ssize_t step = write(channel[1], text.data() + written, text.size() - written);
-            if (step <= 0)
-                _exit(1);
-            written += static_cast<std::size_t>(step);
-        }
-        _exit(0);
+        // A blocking write to a pipe returns once all of it is written.
+        _exit(write(channel[1], text.data(), text.size()) == ssize_t(text.size()) ? 0 : 1);
     }
     close(channel[1]);
     char buffer[4096];

@@ -37,8 +37,8 @@ public:
     // Runs an "ip" command inside the namespace; true on exit status 0.
     bool Ip(const std::string& arguments);
     // A veth pair from the calling thread's namespace into this one: the adapter end stays with the
-    // caller, the peer end moves here; each gets its address ("a.b.c.d/prefix") and comes up. The
-    // caller deletes the adapter end ("ip link del") when done.
+    // caller, the peer end moves here; each gets its address ("a.b.c.d/prefix") and comes up. Both
+    // ends go away with this object.
     bool LinkFromCaller(const std::string& adapter, const std::string& adapterAddress, const std::string& peer,
                         const std::string& peerAddress);
 
@@ -48,4 +48,5 @@ private:
     bool m_entered = false;
     int m_originalNamespace = -1;
     std::string m_failure;
+    std::vector<std::string> m_adapters;
 };

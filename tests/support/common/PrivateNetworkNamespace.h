@@ -5,7 +5,5 @@
 
 #include <string>
 
-// True when the process now lives in a fresh namespace with loopback up (or already did);
-// otherwise false with the reason in why.
+// True when the process now lives in a fresh namespace with loopback up; else false and why.
 bool EnterPrivateNetworkNamespace(std::string& why);
-bool InPrivateNetworkNamespace();
