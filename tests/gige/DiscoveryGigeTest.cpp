@@ -75,7 +75,7 @@ TEST_F(DiscoveryGige, UnansweredForceIpIsTriedFourTimesThenFailsAndIsLogged)
     ASSERT_FALSE(id.empty());
     EXPECT_EQ(ModifyCameraIp(id, "192.168.77.50", "255.255.255.0", "192.168.77.1", false), -11);
     EXPECT_EQ(camera.ForceIpCommands().size(), 4u);
-    EXPECT_EQ(LogLines("Set camera ip failed, ip = 192.168.77.50, mask = 255.255.255.0, gateway = 192.168.77.1, "
-                       "ret = -11"),
+    EXPECT_EQ(m_log.Count("Set camera ip failed, ip = 192.168.77.50, mask = 255.255.255.0, gateway = 192.168.77.1, "
+                          "ret = -11"),
               1u);
 }

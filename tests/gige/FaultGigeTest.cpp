@@ -1,6 +1,7 @@
 // A GigE Vision camera process killed or frozen while the library grabs from it: the library
 // notices the loss on its own, drops the camera, keeps answering, and lists the camera again once
 // its process is back.
+#include <algorithm>
 #include <atomic>
 #include <string>
 
@@ -55,8 +56,8 @@ protected:
     // From the fault on, "Camera is lost." is logged once more and the camera leaves the opened ones.
     void ExpectLossNoticedAndCameraDropped()
     {
-        const std::size_t lossesBefore = LogLines("Camera is lost.");
-        ASSERT_TRUE(WaitUntil([&] { return LogLines("Camera is lost.") > lossesBefore; })) << "loss not noticed";
+        const std::size_t lossesBefore = m_log.Count("Camera is lost.");
+        ASSERT_TRUE(WaitUntil([&] { return m_log.Count("Camera is lost.") > lossesBefore; })) << "loss not noticed";
         ASSERT_TRUE(WaitUntil([&] { return !IsOpened(m_id); })) << "the camera is still open";
     }
 
@@ -88,7 +89,7 @@ TEST_F(FaultGige, AKilledCameraProcessIsNoticedDroppedAndListedAgainWhenBack)
     EXPECT_EQ(0, OpenCamera(m_id));
     EXPECT_EQ(0, CloseCamera(m_id));
     // Several watchdog rounds have passed since the loss.
-    EXPECT_EQ(1u, LogLines("Camera is lost.")) << "the loss is logged once";
+    EXPECT_EQ(1u, m_log.Count("Camera is lost.")) << "the loss is logged once";
 }
 
 // A viewer that closes the camera or quits right after a cable pull: the frame it still shows may

@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
@@ -16,6 +15,7 @@
 
 #include "ViewerBiz3.h"
 #include "support/common/ApplicationDirectoryScope.h"
+#include "support/common/CameraLogRecorder.h"
 #include "support/common/FakeGigeCamera.h"
 #include "support/common/RequireEnvironment.h"
 #include "support/common/TempDirectory.h"
@@ -24,7 +24,7 @@
 extern bool g_privateNetworkNamespace;
 extern std::string g_privateNetworkNamespaceFailure;
 
-class GigeHostTest : public ::testing::Test, public ViewerBiz3::IDeviceListUpdate, public ViewerBiz3::ILoggerUpdate {
+class GigeHostTest : public ::testing::Test, public ViewerBiz3::IDeviceListUpdate {
 public:
     static constexpr int GigE = 1;
     static constexpr int Simulated = 8;
@@ -37,12 +37,6 @@ public:
             m_cameras = std::move(cameras);
             ++m_lists;
         }
-    }
-
-    void OnLoggerUpdate(std::string, std::string, std::string message) override
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_log.push_back(std::move(message));
     }
 
 private:
@@ -63,7 +57,6 @@ protected:
         m_initialized = true;
         m_applicationDirectory = std::make_unique<ApplicationDirectoryScope>(m_directory.Path());
         ASSERT_EQ(0, ViewerBiz3::RegisterDeviceListUpdateListener(this));
-        ASSERT_EQ(0, ViewerBiz3::RegisterLoggerUpdateListener(this));
         ASSERT_EQ(0, ViewerBiz3::SetTLTypeList(GigE));
     }
 
@@ -103,19 +96,14 @@ protected:
         return Locked([&] { return m_adapters; });
     }
 
-    std::size_t LogLines(const std::string& message)
-    {
-        return Locked([&] { return std::size_t(std::count(m_log.begin(), m_log.end(), message)); });
-    }
-
     bool m_initialized = false;
+    CameraLogRecorder m_log;
 
 private:
     std::mutex m_mutex;
     int m_lists = 0;
     std::vector<std::string> m_adapters;
     std::vector<std::string> m_cameras;
-    std::vector<std::string> m_log;
     TempDirectory m_directory;
     std::unique_ptr<ApplicationDirectoryScope> m_applicationDirectory;
 };

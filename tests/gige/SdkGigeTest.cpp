@@ -61,8 +61,7 @@ protected:
 
 int64_t Integer(GenApi::INodeMap* nodeMap, const char* name)
 {
-    GenApi::CIntegerPtr node = nodeMap->GetNode(name);
-    return node->GetValue();
+    return GenApi::CIntegerPtr(nodeMap->GetNode(name))->GetValue();
 }
 
 } // namespace
@@ -100,8 +99,7 @@ TEST_F(SdkGigeTest, SetCameraIpStoresThePersistentAddress)
     EXPECT_EQ(Integer(transport, "GevPersistentIPAddress"), 0x7f000001);
     EXPECT_EQ(Integer(transport, "GevPersistentSubnetMask"), 0xff000000);
     EXPECT_EQ(Integer(transport, "GevPersistentDefaultGateway"), 0x7f0000fe);
-    GenApi::CBooleanPtr persistentConfiguration = transport->GetNode("GevCurrentIPConfigurationPersistentIP");
-    EXPECT_TRUE(persistentConfiguration->GetValue());
+    EXPECT_TRUE(GenApi::CBooleanPtr(transport->GetNode("GevCurrentIPConfigurationPersistentIP"))->GetValue());
     ASSERT_EQ(camera->Close(), SDK_OK);
 
     EXPECT_EQ(SetCameraIP(serial.c_str(), "127.0.0.1", "255.0.0.0", "0.0.0.0", false), SDK_TIMEOUT);

@@ -1,6 +1,5 @@
-// A named network namespace made for one test ("ip netns add"), holding a veth
-// pair with link-local addresses, so adapter code sees known interfaces and
-// nothing reaches the machine's own network. Deleted when the object goes away.
+// A named network namespace made for one test ("ip netns add"), holding veth pairs with link-local
+// addresses, so adapter code sees known interfaces and nothing reaches the machine's own network.
 #pragma once
 
 #include <functional>
@@ -24,7 +23,7 @@ public:
     NetworkNamespace(const NetworkNamespace&) = delete;
     NetworkNamespace& operator=(const NetworkNamespace&) = delete;
 
-    // False (with the reason) when the namespace could not be made; tests skip then.
+    // False (with the reason) when the namespace could not be made.
     bool IsReady() const { return m_ready; }
     const std::string& Failure() const { return m_failure; }
     const std::string& Name() const { return m_name; }
