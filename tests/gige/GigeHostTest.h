@@ -17,11 +17,11 @@
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/CameraLogRecorder.h"
 #include "support/common/FakeGigeCamera.h"
+#include "support/common/PrivateNetworkNamespace.h"
 #include "support/common/RequireEnvironment.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/WaitUntil.h"
 
-extern bool g_privateNetworkNamespace;
 extern std::string g_privateNetworkNamespaceFailure;
 
 class GigeHostTest : public ::testing::Test, public ViewerBiz3::IDeviceListUpdate {
@@ -50,7 +50,7 @@ private:
 protected:
     void SetUp() override
     {
-        VB3_REQUIRE(g_privateNetworkNamespace, "no private network namespace: " << g_privateNetworkNamespaceFailure);
+        VB3_REQUIRE(InPrivateNetworkNamespace(), "no private network namespace: " << g_privateNetworkNamespaceFailure);
         VB3_REQUIRE(FakeGigeCamera::ProgramAvailable(), FakeGigeCamera::kProgram << " is not installed");
         setenv("VIEWERBIZ3_SIMULATED_CAMERAS", "area", 1);
         ASSERT_EQ(-1, ViewerBiz3::Init());

@@ -8,10 +8,10 @@
 #include "ZylSdk.h"
 #include "genapi/GenApi.h"
 #include "support/common/FakeGigeCamera.h"
+#include "support/common/PrivateNetworkNamespace.h"
 #include "support/common/RequireEnvironment.h"
 #include "support/common/SdkCameraFeatures.h"
 
-extern bool g_privateNetworkNamespace;
 extern std::string g_privateNetworkNamespaceFailure;
 
 using namespace ZYLGENICAM;
@@ -22,7 +22,7 @@ class SdkGigeTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        VB3_REQUIRE(g_privateNetworkNamespace, "no private network namespace: " << g_privateNetworkNamespaceFailure);
+        VB3_REQUIRE(InPrivateNetworkNamespace(), "no private network namespace: " << g_privateNetworkNamespaceFailure);
         VB3_REQUIRE(FakeGigeCamera::ProgramAvailable(), FakeGigeCamera::kProgram << " is not installed");
         ASSERT_EQ(Init(), SDK_OK);
         ASSERT_TRUE(m_device.Start());

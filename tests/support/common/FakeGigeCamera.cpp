@@ -87,13 +87,24 @@ void FakeGigeCamera::Thaw()
         kill(m_pid, SIGCONT);
 }
 
-// A DISCOVERY_CMD (0x0002) sent straight to the camera's address is acknowledged (0x0003).
+bool FakeGigeCamera::SetMacAddressLow(uint32_t low)
+{
+    // WRITEREG_CMD (0x0082) of register 0x000c.
+    return Acknowledged({0x42, 0x01, 0x00, 0x82, 0x00, 0x08, 0x00, 0x01, 0x00, 0x00, 0x00, 0x0c, uint8_t(low >> 24),
+                         uint8_t(low >> 16), uint8_t(low >> 8), uint8_t(low)},
+                        0x0083);
+}
+
 bool FakeGigeCamera::AnswersDiscovery() const
+{
+    return Acknowledged({0x42, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01}, 0x0003);
+}
+
+bool FakeGigeCamera::Acknowledged(const std::vector<uint8_t>& command, uint16_t acknowledge) const
 {
     int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (fd < 0)
         return false;
-    const uint8_t command[] = {0x42, 0x01, 0x00, 0x02, 0x00, 0x00, 0x00, 0x01};
     sockaddr_in camera{};
     camera.sin_family = AF_INET;
     camera.sin_port = htons(3956);
@@ -101,9 +112,10 @@ bool FakeGigeCamera::AnswersDiscovery() const
     uint8_t reply[512];
     ssize_t size = -1;
     pollfd waiting{fd, POLLIN, 0};
-    if (sendto(fd, command, sizeof command, 0, reinterpret_cast<sockaddr*>(&camera), sizeof camera) > 0 &&
+    if (sendto(fd, command.data(), command.size(), 0, reinterpret_cast<sockaddr*>(&camera), sizeof camera) > 0 &&
         poll(&waiting, 1, 200) > 0)
         size = recv(fd, reply, sizeof reply, 0);
     close(fd);
-    return size >= 8 && reply[2] == 0x00 && reply[3] == 0x03;
+    return size >= 8 && reply[0] == 0 && reply[1] == 0 && reply[2] == uint8_t(acknowledge >> 8) &&
+           reply[3] == uint8_t(acknowledge);
 }

@@ -6,7 +6,9 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 class FakeGigeCamera {
 public:
@@ -31,9 +33,15 @@ public:
     void Freeze();
     void Thaw();
     const std::string& SerialNumber() const { return m_serialNumber; }
+    const std::string& Address() const { return m_address; }
+    // Every fake camera reports the MAC address 00:00:00:00:00:00. It keeps its bootstrap registers
+    // in plain memory, so writing the register of the address's low four bytes gives it another.
+    bool SetMacAddressLow(uint32_t low);
 
 private:
     bool AnswersDiscovery() const;
+    // One GVCP command sent straight to the camera; true when its acknowledge came with status 0.
+    bool Acknowledged(const std::vector<uint8_t>& command, uint16_t acknowledge) const;
 
     std::string m_serialNumber;
     std::string m_address;

@@ -116,8 +116,7 @@ bool NetworkNamespace::RunInside(const std::function<std::string()>& work, std::
     }
     if (child == 0) {
         close(channel[0]);
-        int target = open(("/var/run/netns/" + m_name).c_str(), O_RDONLY | O_CLOEXEC);
-        if (target < 0 || setns(target, CLONE_NEWNET) != 0)
+        if (!Enter())
             _exit(1);
         std::string text = work();
         // A blocking write to a pipe returns once all of it is written.

@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+static bool g_inPrivateNamespace = false;
+
 bool EnterPrivateNetworkNamespace(std::string& why)
 {
     if (unshare(CLONE_NEWNET) != 0) {
@@ -16,5 +18,11 @@ bool EnterPrivateNetworkNamespace(std::string& why)
         why = "could not bring loopback up in the new namespace";
         return false;
     }
+    g_inPrivateNamespace = true;
     return true;
+}
+
+bool InPrivateNetworkNamespace()
+{
+    return g_inPrivateNamespace;
 }

@@ -7,3 +7,4 @@
 
 // True when the process now lives in a fresh namespace with loopback up; else false and why.
 bool EnterPrivateNetworkNamespace(std::string& why);
+bool InPrivateNetworkNamespace();
