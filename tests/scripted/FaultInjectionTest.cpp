@@ -259,7 +259,7 @@ TEST_F(FaultInjection, ALostCameraIsRemovedOnceAndItsReplacementOpens)
     camera.Lose();
     camera.SetPresent(false);
 
-    EXPECT_TRUE(WaitUntil([] { return !IsOpened(CameraId); })) << "the loss is noticed";
+    EXPECT_TRUE(WaitUntil([] { return !IsOpened(CameraId) && !IsListed(CameraId); })) << "the loss is noticed";
     EXPECT_LT(camera.Counters().getImageCalls - readsBefore, 10u) << "a device that is gone is not read in a spin";
     EXPECT_TRUE(camera.WaitUntil([](const Scripted::DeviceCounters& c) { return c.ImagesOutstanding() == 0; }));
     EXPECT_TRUE(WaitUntil([&] { return logger.lossLines.load() >= 1; }));
@@ -268,6 +268,9 @@ TEST_F(FaultInjection, ALostCameraIsRemovedOnceAndItsReplacementOpens)
         Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
     ASSERT_EQ(0, RefreshCameraList(ZYLGENICAM::TL_GIGE));
     ASSERT_TRUE(WaitUntil([] { return IsListed(CameraId) && GetCameraInfo(CameraId, CAM_OPENED) == "0"; }));
+    EXPECT_TRUE(camera.WaitUntil([](const Scripted::DeviceCounters& c) {
+        return c.camerasCreated == c.camerasDestroyed;
+    })) << "the lost camera's object gives its handle back once a pass has run";
     EXPECT_EQ(0, OpenCamera(CameraId));
     EXPECT_EQ(1u, replacement.Counters().opens);
     EXPECT_EQ(0, CloseCamera(CameraId));
