@@ -1,13 +1,12 @@
-// The exported relays as a host uses them: focus and camera texts on a listed
-// camera, the host-to-host ROI, correction, import and show-mode relays,
-// listener registration and host logging.
+// The exported functions as a host uses them: Init and UnInit, the answers before Init
+// and for unknown devices, the host-to-host relays, listener registration and logging.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
-#include <condition_variable>
+#include <cstdlib>
 #include <functional>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
@@ -17,9 +16,11 @@
 #include "ViewerBiz3.h"
 #include "log/Log.h"
 #include "support/common/ApplicationDirectoryScope.h"
+#include "support/common/ProcessThreads.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
 #include "support/scripted/ScriptedSdk.h"
+#include "support/common/WaitUntil.h"
 
 using namespace ViewerBiz3;
 using ::testing::ElementsAre;
@@ -30,7 +31,6 @@ namespace {
 
 // Every event a host can receive, written down as one line of text.
 class HostRecorder : public ITLTypeUpdate,
-                     public IDeviceListUpdate,
                      public IFocusUpdate,
                      public ILayoutUpdate,
                      public ISLImageShowModeUpdate,
@@ -41,14 +41,6 @@ class HostRecorder : public ITLTypeUpdate,
                      public ILangUpdate {
 public:
     void OnTLTypeUpdate(unsigned long long mask) override { Record("mask " + std::to_string(mask)); }
-    void OnDeviceListUpdate(int kind, std::vector<std::string>, std::vector<std::string> cameras) override
-    {
-        if (kind == 0) {
-            std::lock_guard<std::mutex> lock(m_mutex);
-            m_cameras = std::move(cameras);
-            m_changed.notify_all();
-        }
-    }
     void OnFocusUpdate(FOCUS_TYPE type, std::string id) override { Record("focus " + std::to_string(type) + " " + id); }
     void OnLayoutUpdate(LAYOUT_TYPE layout) override { Record("layout " + std::to_string(layout)); }
     void OnSLImageShowModeUpdate(std::string id, int mode) override
@@ -77,13 +69,6 @@ public:
         return m_events;
     }
 
-    bool WaitForCamera(const std::string& id)
-    {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        return m_changed.wait_for(lock, std::chrono::seconds(10),
-                                  [&] { return std::find(m_cameras.begin(), m_cameras.end(), id) != m_cameras.end(); });
-    }
-
 private:
     void Record(std::string event)
     {
@@ -92,19 +77,22 @@ private:
     }
 
     std::mutex m_mutex;
-    std::condition_variable m_changed;
     std::vector<std::string> m_events;
-    std::vector<std::string> m_cameras;
 };
 
-// An ROI listener that records what it is told and answers with given values.
+// An ROI listener that records what it is told and answers with given values, or fails.
 class RoiListener : public IROIDrawUpdate {
 public:
-    RoiListener(int answerIndex, bool answerResult) : m_answerIndex(answerIndex), m_answerResult(answerResult) {}
+    RoiListener(int answerIndex, bool answerResult, bool fails = false)
+        : m_answerIndex(answerIndex), m_answerResult(answerResult), m_fails(fails)
+    {
+    }
 
     void OnROIDrawUpdate(std::string id, int x, int y, int width, int height, int operation, int& index, bool& result,
                          int extra1, int extra2) override
     {
+        if (m_fails)
+            throw std::runtime_error("host listener failed");
         calls.push_back(id + " " + std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(width) + " " +
                         std::to_string(height) + " op " + std::to_string(operation) + " index " +
                         std::to_string(index) + " extras " + std::to_string(extra1) + " " + std::to_string(extra2));
@@ -117,37 +105,74 @@ public:
 private:
     int m_answerIndex;
     bool m_answerResult;
-};
-
-class ThrowingRoiListener : public IROIDrawUpdate {
-public:
-    void OnROIDrawUpdate(std::string, int, int, int, int, int, int&, bool&, int, int) override
-    {
-        throw std::runtime_error("host listener failed");
-    }
+    bool m_fails;
 };
 
 const std::string ListedCamera = "Line3(A1)";
 
-class ApiRelay : public ::testing::Test {
+// UnInit leaves the released manager behind on purpose, so only a process that never
+// called Init is "before Init": such a test runs in a fresh copy of the test program
+// (death tests re-run the program, see TestMain).
+void InFreshProcess(const std::function<void()>& body)
+{
+    EXPECT_EXIT(
+        {
+            body();
+            std::exit(::testing::Test::HasFailure() ? 1 : 0);
+        },
+        ::testing::ExitedWithCode(0), "");
+}
+
+// The answers of the device relays for a camera or card nobody listed: the same
+// before Init (no device manager yet) as after it.
+void ExpectUnknownDeviceFailures()
+{
+    const std::string camera = "Nobody(0)";
+    std::string value = "untouched";
+    int progress = 0;
+    bool done = false;
+    EXPECT_EQ(-1, OpenCamera(camera));
+    EXPECT_EQ(-1, CloseCamera(camera));
+    EXPECT_EQ(-1, StartGrab(camera));
+    EXPECT_EQ(-1, StopGrab(camera));
+    EXPECT_THAT(GetOpenedCameraIds(), IsEmpty());
+    EXPECT_EQ("", GetCameraInfo(camera, CAM_NAME));
+    EXPECT_EQ(-1, SetCameraInfo(camera, CAM_HOST_TEXT40, "x"));
+    EXPECT_EQ(-1, ModifyCameraId(camera, "Other"));
+    EXPECT_EQ(-1, ModifyCameraIp(camera, "192.168.1.2", "255.255.255.0", "0.0.0.0", false));
+    EXPECT_EQ(-1, GetCameraNodeValue(camera, "Width", value));
+    EXPECT_EQ(-1, SetCameraNodeValue(camera, "Width", "320"));
+    EXPECT_EQ(-1, SetCameraImageMode(camera, 1, true));
+    EXPECT_EQ(-1, GetCameraImageMode(camera));
+    EXPECT_EQ(-1, GetSLImageShowMode(camera));
+    EXPECT_EQ(-1, FirmwareUpgrade(camera, "firmware.bin", &progress, &done));
+    EXPECT_EQ(nullptr, GetAttrLayoutXML(FOCUS_CAMERA, camera));
+    EXPECT_EQ(nullptr, GetAttrNodeMap(FOCUS_CAMERA, camera, NODEMAP_MODULE3));
+    EXPECT_EQ(nullptr, GetAttrNodeMap(FOCUS_CARD, camera, NODEMAP_MODULE2));
+    EXPECT_EQ("", GetCardInfo("card", CARD_KEY));
+    EXPECT_EQ(-1, GetCardNodeValue("card", "CardName", value));
+    EXPECT_EQ(-1, SetCardNodeValue("card", "CardName", "x"));
+    EXPECT_EQ("untouched", value);
+    EXPECT_EQ(-1, OpenCard("card"));
+    EXPECT_EQ(-1, CloseCard("card"));
+    EXPECT_EQ(-1, OpenCLCamera(camera, "protocol", "port"));
+    EXPECT_EQ(-1, CloseCLCamera(camera));
+    EXPECT_THAT(GetOpenedCardIds(), IsEmpty());
+}
+
+class ApiLifecycle : public ::testing::Test {
 protected:
-    // Every test runs on an initialised library, so UnInit drops its listeners.
-    void SetUp() override
+    // The SDK's counters start at zero for every test.
+    void SetUp() override { Scripted::ScriptedSdk::Instance().Reset(); }
+    // Init, then the settings and the log of this test in its own directory
+    // (Init points both at the test program's directory).
+    int InitHere()
     {
-        Scripted::ScriptedSdk::Instance().Reset();
-        ASSERT_EQ(-1, Init());
+        m_applicationDirectory.reset();
+        const int result = Init();
         m_applicationDirectory = std::make_unique<ApplicationDirectoryScope>(m_directory.Path());
         Utilities::StartLogFile(m_directory.Path(), 1 << 20);
-    }
-    void TearDown() override { UnInit(); }
-
-    // A scripted GigE camera, discovered and in the device list.
-    void ListCamera()
-    {
-        Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
-        ASSERT_EQ(0, RegisterDeviceListUpdateListener(&host));
-        ASSERT_EQ(0, RefreshCameraList(1));
-        ASSERT_TRUE(host.WaitForCamera(ListedCamera));
+        return result;
     }
 
     HostRecorder host;
@@ -155,36 +180,45 @@ protected:
     std::unique_ptr<ApplicationDirectoryScope> m_applicationDirectory;
 };
 
+// Every relay test runs on an initialised library, so UnInit drops its listeners.
+class ApiRelay : public ApiLifecycle {
+protected:
+    void SetUp() override
+    {
+        ApiLifecycle::SetUp();
+        ASSERT_EQ(-1, InitHere());
+    }
+    void TearDown() override { UnInit(); }
+
+    // A scripted GigE camera, discovered and in the device list.
+    void ListCamera()
+    {
+        Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
+        ASSERT_EQ(0, RefreshCameraList(1));
+        ASSERT_TRUE(WaitUntil([] { return !GetCameraInfo(ListedCamera, CAM_NAME).empty(); }));
+    }
+};
+
 } // namespace
 
-TEST_F(ApiRelay, SetFocusWithAnOutOfRangeTypeAnswersZeroAndChangesNothing)
+// Focus of an out-of-range type answers 0 and changes nothing; only the host texts of a
+// camera's information can be written, and writing one announces the statistics.
+TEST_F(ApiRelay, FocusAndCameraInfoOnAListedCamera)
 {
     ListCamera();
     ASSERT_EQ(0, RegisterFocusUpdateListener(&host));
-
-    EXPECT_EQ(0, SetFocus(static_cast<FOCUS_TYPE>(4), ListedCamera));
-    EXPECT_EQ(0, SetFocus(static_cast<FOCUS_TYPE>(-1), ListedCamera));
-    EXPECT_THAT(host.Events(), IsEmpty());
-
-    EXPECT_EQ(0, SetFocus(FOCUS_CAMERA, ListedCamera));
-    EXPECT_THAT(host.Events(), ElementsAre("focus 1 " + ListedCamera));
-}
-
-TEST_F(ApiRelay, SetCameraInfoWritesOnlyTheHostTexts)
-{
-    ListCamera();
     ASSERT_EQ(0, RegisterAcqStatisticUpdateListener(&host));
     const std::string name = GetCameraInfo(ListedCamera, CAM_NAME);
 
+    EXPECT_EQ(0, SetFocus(static_cast<FOCUS_TYPE>(4), ListedCamera));
+    EXPECT_EQ(0, SetFocus(static_cast<FOCUS_TYPE>(-1), ListedCamera));
+    EXPECT_EQ(0, SetFocus(FOCUS_CAMERA, ListedCamera));
     EXPECT_EQ(-1, SetCameraInfo(ListedCamera, CAM_NAME, "Renamed"));
     EXPECT_EQ(name, GetCameraInfo(ListedCamera, CAM_NAME));
-    EXPECT_THAT(host.Events(), IsEmpty());
-
     EXPECT_EQ(0, SetCameraInfo(ListedCamera, CAM_HOST_TEXT40, "left view"));
     EXPECT_EQ("left view", GetCameraInfo(ListedCamera, CAM_HOST_TEXT40));
-    EXPECT_THAT(host.Events(), ElementsAre("statistics " + ListedCamera + " true"));
 
-    EXPECT_EQ(-1, SetCameraInfo("Nobody(0)", CAM_HOST_TEXT40, "x"));
+    EXPECT_THAT(host.Events(), ElementsAre("focus 1 " + ListedCamera, "statistics " + ListedCamera + " true"));
 }
 
 // The ROI relays pass a host's drawing to the other hosts: without listeners
@@ -213,89 +247,49 @@ TEST_F(ApiRelay, RoiRelaysChainTheListenersAnswersAndSendTheirOperationCodes)
     EXPECT_EQ(ListedCamera + " 10 20 30 40 op 0 index 5 extras 5 6", last.calls.at(0));
 }
 
-TEST_F(ApiRelay, SetSLImageShowModeNotifiesEvenForAnUnknownCamera)
+// The host-to-host relays pass their arguments on, even for a camera nobody listed.
+TEST_F(ApiRelay, ShowModeCorrectionAndImportRelaysPassTheirArguments)
 {
     ASSERT_EQ(0, RegisterSLImageShowModeUpdateListener(&host));
-
-    EXPECT_EQ(0, SetSLImageShowMode("Nobody(0)", 2));
-
-    EXPECT_THAT(host.Events(), ElementsAre("show mode Nobody(0) 2"));
-}
-
-TEST_F(ApiRelay, CorrectionAndImportRelaysPassTheirArguments)
-{
     ASSERT_EQ(0, RegisterCorrectionUpdateListener(&host));
     ASSERT_EQ(0, RegisterImportUpdateListener(&host));
 
+    EXPECT_EQ(0, SetSLImageShowMode("Nobody(0)", 2));
     EXPECT_EQ(0, NotifyCorrection(ListedCamera, 4, 1.5f, &host));
     NotifyImportUpdate("scene.ini");
 
-    EXPECT_THAT(host.Events(), ElementsAre("correction " + ListedCamera + " 4 1.500000 data", "import scene.ini"));
+    EXPECT_THAT(host.Events(), ElementsAre("show mode Nobody(0) 2", "correction " + ListedCamera + " 4 1.500000 data",
+                                           "import scene.ini"));
+}
+
+template <typename Listener>
+void ExpectNullRefused(int (*registration)(Listener*), int (*removal)(Listener*))
+{
+    EXPECT_EQ(-1, registration(nullptr));
+    EXPECT_EQ(-1, removal(nullptr));
 }
 
 TEST_F(ApiRelay, EveryRegistrationRefusesANullListener)
 {
-    const std::vector<std::function<int()>> calls = {
-        [] { return RegisterTLTypeUpdateListener(nullptr); },
-        [] { return UnRegisterTLTypeUpdateListerner(nullptr); },
-        [] { return RegisterDeviceListUpdateListener(nullptr); },
-        [] { return UnRegisterDeviceListUpdateListener(nullptr); },
-        [] { return RegisterFocusUpdateListener(nullptr); },
-        [] { return UnRegisterFocusUpdateListener(nullptr); },
-        [] { return RegisterLayoutUpdateListener(nullptr); },
-        [] { return UnRegisterLayoutUpdateListener(nullptr); },
-        [] { return RegisterImageUpdateListener("A", nullptr); },
-        [] { return UnRegisterImageUpdateListener("A", nullptr); },
-        [] { return RegisterImageModeUpdateListener(nullptr); },
-        [] { return UnRegisterImageModeUpdateListener(nullptr); },
-        [] { return RegisterSLImageShowModeUpdateListener(nullptr); },
-        [] { return UnRegisterSLImageShowModeUpdateListener(nullptr); },
-        [] { return RegisterAcqStatisticUpdateListener(nullptr); },
-        [] { return UnRegisterAcqStatisticUpdateListener(nullptr); },
-        [] { return RegisterCardTimerNodeUpdateListener("card", "Node", 100, nullptr); },
-        [] { return UnRegisterCardTimerNodeUpdateListener("card", "Node", 100, nullptr); },
-        [] { return RegisterCameraTimerNodeUpdateListener("A", "Node", 100, nullptr); },
-        [] { return UnRegisterCameraTimerNodeUpdateListener("A", "Node", 100, nullptr); },
-        [] { return RegisterImportUpdateListener(nullptr); },
-        [] { return UnRegisterImportUpdateListener(nullptr); },
-        [] { return RegisterLoggerUpdateListener(nullptr); },
-        [] { return UnRegisterLoggerUpdateListener(nullptr); },
-        [] { return RegisterROIUpdateListener(nullptr); },
-        [] { return UnRegisterROIUpdateListener(nullptr); },
-        [] { return RegisterCorrectionUpdateListener(nullptr); },
-        [] { return UnRegisterCorrectionUpdateListener(nullptr); },
-        [] { return RegisterLangUpdateListener(nullptr); },
-        [] { return UnRegisterLangUpdateListener(nullptr); },
-        [] { return RegisterCameraIdUpdateListener(nullptr); },
-        [] { return UnRegisterCameraIdUpdateListener(nullptr); },
-    };
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        EXPECT_EQ(-1, calls[i]()) << "call " << i;
-    }
-}
-
-TEST_F(ApiRelay, RegisteredListenersHearTheirEventsUntilUnregistered)
-{
-    ASSERT_EQ(0, RegisterTLTypeUpdateListener(&host));
-    ASSERT_EQ(0, RegisterLayoutUpdateListener(&host));
-    ASSERT_EQ(0, RegisterLangUpdateListener(&host));
-    ASSERT_EQ(0, RegisterLangUpdateListener(&host)); // twice: heard twice
-
-    SetTLTypeList(8);
-    SetImgLayout(static_cast<LAYOUT_TYPE>(4));
-    SetLang("German");
-
-    EXPECT_EQ(0, UnRegisterTLTypeUpdateListerner(&host));
-    EXPECT_EQ(0, UnRegisterLayoutUpdateListener(&host));
-    EXPECT_EQ(0, UnRegisterLangUpdateListener(&host)); // one call removes both
-    SetTLTypeList(2);
-    SetImgLayout(static_cast<LAYOUT_TYPE>(5));
-    SetLang("English");
-
-    EXPECT_THAT(host.Events(), ElementsAre("mask 8", "layout 4", "language German", "language German"));
-    EXPECT_EQ(static_cast<LAYOUT_TYPE>(5), GetImgLayout());
-    EXPECT_EQ("English", GetLang());
-    EXPECT_EQ(2u, GetTLTypeList());
+    ExpectNullRefused(RegisterTLTypeUpdateListener, UnRegisterTLTypeUpdateListerner);
+    ExpectNullRefused(RegisterDeviceListUpdateListener, UnRegisterDeviceListUpdateListener);
+    ExpectNullRefused(RegisterFocusUpdateListener, UnRegisterFocusUpdateListener);
+    ExpectNullRefused(RegisterLayoutUpdateListener, UnRegisterLayoutUpdateListener);
+    ExpectNullRefused(RegisterImageModeUpdateListener, UnRegisterImageModeUpdateListener);
+    ExpectNullRefused(RegisterSLImageShowModeUpdateListener, UnRegisterSLImageShowModeUpdateListener);
+    ExpectNullRefused(RegisterAcqStatisticUpdateListener, UnRegisterAcqStatisticUpdateListener);
+    ExpectNullRefused(RegisterImportUpdateListener, UnRegisterImportUpdateListener);
+    ExpectNullRefused(RegisterLoggerUpdateListener, UnRegisterLoggerUpdateListener);
+    ExpectNullRefused(RegisterROIUpdateListener, UnRegisterROIUpdateListener);
+    ExpectNullRefused(RegisterCorrectionUpdateListener, UnRegisterCorrectionUpdateListener);
+    ExpectNullRefused(RegisterLangUpdateListener, UnRegisterLangUpdateListener);
+    ExpectNullRefused(RegisterCameraIdUpdateListener, UnRegisterCameraIdUpdateListener);
+    EXPECT_EQ(-1, RegisterImageUpdateListener("A", nullptr));
+    EXPECT_EQ(-1, UnRegisterImageUpdateListener("A", nullptr));
+    EXPECT_EQ(-1, RegisterCardTimerNodeUpdateListener("card", "Node", 100, nullptr));
+    EXPECT_EQ(-1, UnRegisterCardTimerNodeUpdateListener("card", "Node", 100, nullptr));
+    EXPECT_EQ(-1, RegisterCameraTimerNodeUpdateListener("A", "Node", 100, nullptr));
+    EXPECT_EQ(-1, UnRegisterCameraTimerNodeUpdateListener("A", "Node", 100, nullptr));
 }
 
 TEST_F(ApiRelay, HostLoggingReachesLoggerListenersWithTheLevelWord)
@@ -315,7 +309,7 @@ TEST_F(ApiRelay, HostLoggingReachesLoggerListenersWithTheLevelWord)
 
 TEST_F(ApiRelay, AThrowingListenerBecomesTheGenericFailure)
 {
-    ThrowingRoiListener throwing;
+    RoiListener throwing(0, false, true);
     ASSERT_EQ(0, RegisterROIUpdateListener(&throwing));
     ASSERT_EQ(0, RegisterLoggerUpdateListener(&host));
     int index = 1;
@@ -329,4 +323,94 @@ TEST_F(ApiRelay, AThrowingListenerBecomesTheGenericFailure)
 
     ASSERT_EQ(0, UnRegisterROIUpdateListener(&throwing));
     EXPECT_EQ(0, DrawROI(ListedCamera, 1, 2, 3, 4, index, result, 0, 0));
+}
+
+TEST_F(ApiLifecycle, InitAnswersMinusOneUnInitZeroAndInitAgainStartsAfresh)
+{
+    EXPECT_EQ(-1, InitHere());
+    EXPECT_EQ(-1, InitHere()) << "a second Init finds the running library";
+    ASSERT_EQ(0, SetTLTypeList(8));
+    EXPECT_EQ(0, UnInit());
+
+    Scripted::ScriptedSdk::Instance().SetInitResult(ZYLGENICAM::SDK_ERROR);
+    EXPECT_EQ(-1, InitHere()) << "the SDK's own result is not passed on";
+    EXPECT_EQ(15u, GetTLTypeList()) << "the new device manager starts with the default mask";
+    EXPECT_EQ(0, UnInit());
+
+    const Scripted::SdkCounters sdk = Scripted::ScriptedSdk::Instance().Counters();
+    EXPECT_EQ(3u, sdk.inits);
+    EXPECT_EQ(2u, sdk.uninits);
+}
+
+TEST_F(ApiRelay, RelaysOnAnUnknownDeviceFail)
+{
+    ExpectUnknownDeviceFailures();
+}
+
+TEST_F(ApiLifecycle, RelaysFailBeforeInitWithoutTouchingTheSdk)
+{
+    InFreshProcess([] {
+        ExpectUnknownDeviceFailures();
+        std::list<std::string> protocols;
+        std::list<std::string> serials;
+        EXPECT_EQ(-1, GetCLProtocolsAndSerials(protocols, serials));
+        EXPECT_EQ(~0ULL, GetTLTypeList());
+        EXPECT_EQ(-1, RefreshCameraList(1));
+        EXPECT_EQ(0, SetTLTypeList(8));
+        EXPECT_EQ(0, SetFocus(FOCUS_CAMERA, "Line3(A1)"));
+        EXPECT_EQ(0u, Scripted::ScriptedSdk::Instance().Counters().discoveries);
+    });
+}
+
+// A listener registered twice hears twice until one call removes it; UnInit drops the rest.
+TEST_F(ApiLifecycle, ListenersHearTheirEventsUntilUnregisteredOrUnInit)
+{
+    ASSERT_EQ(-1, InitHere());
+    ASSERT_EQ(0, RegisterTLTypeUpdateListener(&host));
+    ASSERT_EQ(0, RegisterLayoutUpdateListener(&host));
+    ASSERT_EQ(0, RegisterLoggerUpdateListener(&host));
+    ASSERT_EQ(0, RegisterLangUpdateListener(&host));
+    ASSERT_EQ(0, RegisterLangUpdateListener(&host));
+    SetTLTypeList(8);
+    SetLang("German");
+
+    EXPECT_EQ(0, UnRegisterTLTypeUpdateListerner(&host));
+    EXPECT_EQ(0, UnRegisterLangUpdateListener(&host));
+    SetTLTypeList(2);
+    SetLang("English");
+    SetImgLayout(static_cast<LAYOUT_TYPE>(4));
+    EXPECT_EQ("English", GetLang());
+    EXPECT_EQ(2u, GetTLTypeList());
+    EXPECT_EQ(0, UnInit());
+    SetImgLayout(static_cast<LAYOUT_TYPE>(5));
+    VLogInfo("host", "after shutdown", 1);
+
+    EXPECT_THAT(host.Events(), ElementsAre("mask 8", "language German", "language German", "layout 4"));
+    EXPECT_EQ(static_cast<LAYOUT_TYPE>(5), GetImgLayout());
+}
+
+TEST_F(ApiLifecycle, RepeatedInitAndUnInitLeaveNoThreadBehind)
+{
+    Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
+    auto cycle = [this](std::uint64_t discoveriesBefore) {
+        ASSERT_EQ(-1, InitHere());
+        ASSERT_EQ(0, RefreshCameraList(1));
+        ASSERT_TRUE(WaitUntil([&] {
+            return Scripted::ScriptedSdk::Instance().Counters().discoveries > discoveriesBefore;
+        })) << "the discovery thread never searched";
+        ASSERT_EQ(0, UnInit());
+    };
+    // The first cycle may leave threads that live as long as the process
+    // (sanitizer runtimes); the library's own must not add up over cycles.
+    const std::size_t beforeFirstCycle = ProcessThreadCount();
+    cycle(0);
+    WaitForProcessThreadCount(beforeFirstCycle, std::chrono::seconds(2));
+    const std::size_t baseline = ProcessThreadCount();
+
+    for (int round = 0; round < 5; ++round) {
+        cycle(Scripted::ScriptedSdk::Instance().Counters().discoveries);
+    }
+
+    EXPECT_TRUE(WaitForProcessThreadCount(baseline, std::chrono::seconds(10)))
+        << ProcessThreadCount() << " threads, " << baseline << " before";
 }

@@ -28,42 +28,55 @@ protected:
         return bench.Events().Snapshot().LastWholeList();
     }
     std::string Info(const std::string& id, ViewerBiz3::CAM_INFO info) { return Manager().GetCameraInfo(id, info); }
+    static std::vector<std::string> Sorted(std::vector<std::string> texts)
+    {
+        std::sort(texts.begin(), texts.end());
+        return texts;
+    }
 };
 
 } // namespace
 
-TEST_F(DiscoveryTest, PassListsGigEUsbAndSimulatedDevicesUnderTheirAdapters)
+// One pass lists GigE cameras under the adapter of their subnet (unavailable when outside
+// it), USB cameras under "usbCard" and simulated ones under none, each of the class its
+// serial number or model name calls for.
+TEST_F(DiscoveryTest, PassListsDevicesUnderTheirAdaptersAndInTheirClass)
 {
     auto& gige = AddGigECamera("A1", "Line3", "169.254.10.20", "02:00:00:00:00:01");
-    auto& usb = AddUsbCamera("U1", "Usb1");
-    ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("S8", "Sim", ZYLGENICAM::TL_SIMULATED));
+    AddGigECamera("X1", "Far", "192.168.5.5", "02:00:00:00:00:02")
+        .UpdateIdentity([](Scripted::DeviceIdentity& identity) { identity.mask = "255.255.255.0"; });
+    auto& usb = AddUsbCamera("FU", "Usb1");
+    ScriptedSdk::Instance().AddDevice(Scripted::ProfileCamera("F7", "Prof", ZYLGENICAM::TL_SIMULATED));
+    Scripted::DeviceDescription showMode = Scripted::AreaCamera("Q7", "Show", ZYLGENICAM::TL_SIMULATED);
+    showMode.identity.modelName = "XQV-RM200";
+    ScriptedSdk::Instance().AddDevice(showMode);
+    Scripted::DeviceDescription both = Scripted::AreaCamera("FQ", "Both", ZYLGENICAM::TL_SIMULATED);
+    both.identity.modelName = "QV-RM1";
+    ScriptedSdk::Instance().AddDevice(both);
     ScriptedSdk::Instance().AddDevice(Scripted::CameraLinkCamera("C1", "card0"));
     DeviceEventRecorder::DeviceList list = Pass();
 
-    EXPECT_EQ(list.kind, 0);
-    EXPECT_EQ(list.first.size(), 2u);
-    EXPECT_TRUE(Contains(list.first, DeviceTestBench::ADAPTER_KEY));
-    EXPECT_TRUE(Contains(list.first, "usbCard"));
-    EXPECT_EQ(list.second.size(), 3u) << "Camera Link devices are not searched by a pass";
-    EXPECT_TRUE(Contains(list.second, "Line3(A1)"));
-    EXPECT_TRUE(Contains(list.second, "Usb1(U1)"));
-    EXPECT_TRUE(Contains(list.second, "Sim(S8)"));
-
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_LIST_KEY), DeviceTestBench::ADAPTER_KEY);
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_KIND), "0");
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_SAME_SEGMENT), "1");
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_AVAILABLE), "1");
+    EXPECT_EQ(Sorted(list.first), (std::vector<std::string>{"usbCard", DeviceTestBench::ADAPTER_KEY}));
+    EXPECT_EQ(Sorted(list.second),
+              (std::vector<std::string>{"Both(FQ)", "Far(X1)", "Line3(A1)", "Prof(F7)", "Show(Q7)", "Usb1(FU)"}))
+        << "Camera Link devices are not searched by a pass";
+    const std::vector<std::vector<std::string>> infos = {
+        // id, list key, kind, same segment, available
+        {"Line3(A1)", DeviceTestBench::ADAPTER_KEY, "0", "1", "1"},
+        {"Far(X1)", DeviceTestBench::ADAPTER_KEY, "0", "0", "0"},
+        {"Usb1(FU)", "usbCard", "3", "1", "1"}, // a profile serial, but USB
+        {"Prof(F7)", "", "1", "0", "1"},
+        {"Show(Q7)", "", "5", "0", "1"},
+        {"Both(FQ)", "", "1", "0", "1"}, // the serial is tested first
+    };
+    for (const std::vector<std::string>& info : infos) {
+        EXPECT_EQ(Info(info[0], ViewerBiz3::CAM_LIST_KEY), info[1]) << info[0];
+        EXPECT_EQ(Info(info[0], ViewerBiz3::CAM_KIND), info[2]) << info[0];
+        EXPECT_EQ(Info(info[0], ViewerBiz3::CAM_SAME_SEGMENT), info[3]) << info[0];
+        EXPECT_EQ(Info(info[0], ViewerBiz3::CAM_AVAILABLE), info[4]) << info[0];
+    }
     EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_IP), "169.254.10.20");
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_MAC), "02:00:00:00:00:01");
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_MASK), "255.255.0.0");
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_SERIAL), "A1");
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_MODEL_NAME), "Scripted-Area");
-    EXPECT_EQ(Info("Line3(A1)", ViewerBiz3::CAM_DEVICE_TEXT2), "1.0.0");
-    EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_LIST_KEY), "usbCard");
-    EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_KIND), "3");
-    EXPECT_EQ(Info("Usb1(U1)", ViewerBiz3::CAM_SAME_SEGMENT), "1");
-    EXPECT_EQ(Info("Sim(S8)", ViewerBiz3::CAM_LIST_KEY), "") << "type 8 hangs under no adapter";
-    EXPECT_EQ(Manager().GetCardInfo(DeviceTestBench::ADAPTER_KEY, ViewerBiz3::CARD_IN_USE), "1");
+    EXPECT_EQ(Manager().GetCardInfo(DeviceTestBench::ADAPTER_KEY, ViewerBiz3::CARD_IN_USE), "2") << "cameras on it";
     EXPECT_EQ(Manager().GetCardInfo("usbCard", ViewerBiz3::CARD_TYPE), "2");
     EXPECT_EQ(gige.Counters().recordsCreated, gige.Counters().recordsDestroyed);
     EXPECT_EQ(usb.Counters().recordsCreated, usb.Counters().recordsDestroyed);
@@ -88,39 +101,6 @@ TEST_F(DiscoveryTest, IdentifiersKeepLongNamesFallBackToModelAndListDuplicatesOn
         << "the dropped duplicate's handle is given back";
 }
 
-TEST_F(DiscoveryTest, ClassChosenBySerialAndModel)
-{
-    Scripted::DeviceDescription profile = Scripted::ProfileCamera("F7", "Prof", ZYLGENICAM::TL_SIMULATED);
-    Scripted::DeviceDescription showMode = Scripted::AreaCamera("Q7", "Show", ZYLGENICAM::TL_SIMULATED);
-    showMode.identity.modelName = "XQV-RM200";
-    Scripted::DeviceDescription both = Scripted::AreaCamera("FQ", "Both", ZYLGENICAM::TL_SIMULATED);
-    both.identity.modelName = "QV-RM1";
-    ScriptedSdk::Instance().AddDevice(profile);
-    ScriptedSdk::Instance().AddDevice(showMode);
-    ScriptedSdk::Instance().AddDevice(both);
-    ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("P7", "Plain", ZYLGENICAM::TL_SIMULATED));
-    AddUsbCamera("FU", "UsbProfile");
-    Pass();
-    EXPECT_EQ(Info("Prof(F7)", ViewerBiz3::CAM_KIND), "1");
-    EXPECT_EQ(Info("Show(Q7)", ViewerBiz3::CAM_KIND), "5");
-    EXPECT_EQ(Info("Both(FQ)", ViewerBiz3::CAM_KIND), "1") << "the serial is tested first";
-    EXPECT_EQ(Info("Plain(P7)", ViewerBiz3::CAM_KIND), "0");
-    EXPECT_EQ(Info("UsbProfile(FU)", ViewerBiz3::CAM_KIND), "3");
-    EXPECT_EQ(Manager().SetSLCameraShowMode("Show(Q7)", 1), -2);
-    EXPECT_EQ(Manager().GetSLCameraShowMode("Show(Q7)"), 1) << "a show-mode camera object";
-}
-
-TEST_F(DiscoveryTest, CameraOutsideItsAdaptersSubnetIsListedUnavailable)
-{
-    AddGigECamera("X1", "Far", "192.168.5.5", "02:00:00:00:00:01");
-    auto& description = *ScriptedSdk::Instance().FindDevice("X1");
-    description.UpdateIdentity([](Scripted::DeviceIdentity& identity) { identity.mask = "255.255.255.0"; });
-    Pass();
-    EXPECT_EQ(Info("Far(X1)", ViewerBiz3::CAM_LIST_KEY), DeviceTestBench::ADAPTER_KEY);
-    EXPECT_EQ(Info("Far(X1)", ViewerBiz3::CAM_SAME_SEGMENT), "0");
-    EXPECT_EQ(Info("Far(X1)", ViewerBiz3::CAM_AVAILABLE), "0");
-}
-
 TEST_F(DiscoveryTest, AdaptersWithoutCamerasAreLeftOut)
 {
     auto& usb = AddUsbCamera("U1", "Usb1");
@@ -133,93 +113,66 @@ TEST_F(DiscoveryTest, AdaptersWithoutCamerasAreLeftOut)
     EXPECT_EQ(Manager().GetCardInfo("usbCard", ViewerBiz3::CARD_KEY), "");
 }
 
-TEST_F(DiscoveryTest, RenamedOpenedGigECameraKeepsItsKey)
+// A pass that finds an opened camera renamed announces it once; a GigE camera keeps the key
+// it was opened with, a USB camera is re-keyed and still found when lost.
+TEST_F(DiscoveryTest, RenamedOpenedCamerasAreAnnouncedOnce)
 {
-    auto& device = AddGigECamera("G1", "Old", "169.254.10.20", "02:00:00:00:00:01");
+    auto& gige = AddGigECamera("G1", "Old", "169.254.10.20", "02:00:00:00:00:01");
+    auto& usb = AddUsbCamera("U1", "Old");
     Pass();
     ASSERT_EQ(Manager().OpenCamera("Old(G1)"), 0);
-    uint64_t handles = device.Counters().camerasCreated;
-    device.UpdateIdentity([](Scripted::DeviceIdentity& identity) { identity.userDefinedName = "New"; });
-    bench.Events().Clear();
-    DeviceEventRecorder::DeviceList list = Pass();
-    Events events = bench.Events().Snapshot();
-    ASSERT_EQ(events.cameraIds.size(), 1u);
-    EXPECT_EQ(events.cameraIds[0].first, "Old(G1)");
-    EXPECT_EQ(events.cameraIds[0].second, "New(G1)");
-    EXPECT_EQ(Manager().GetOpenedCameraIds(), std::vector<std::string>{"Old(G1)"});
-    EXPECT_EQ(list.second, std::vector<std::string>{"Old(G1)"});
-    EXPECT_EQ(Info("New(G1)", ViewerBiz3::CAM_NAME), "New(G1)");
-    EXPECT_EQ(device.Counters().camerasCreated, handles) << "the opened object is reused, not recreated";
-    Pass();
-    EXPECT_EQ(bench.Events().Snapshot().cameraIds.size(), 1u) << "announced once";
-}
-
-TEST_F(DiscoveryTest, RenamedOpenedUsbCameraIsReKeyedAndRemovedWhenLost)
-{
-    auto& device = AddUsbCamera("U1", "Old");
-    Pass();
     ASSERT_EQ(Manager().OpenCamera("Old(U1)"), 0);
-    device.UpdateIdentity([](Scripted::DeviceIdentity& identity) { identity.userDefinedName = "New"; });
-    DeviceEventRecorder::DeviceList list = Pass();
-    Events events = bench.Events().Snapshot();
-    ASSERT_EQ(events.cameraIds.size(), 1u);
-    EXPECT_EQ(events.cameraIds[0].first, "Old(U1)");
-    EXPECT_EQ(events.cameraIds[0].second, "New(U1)");
-    EXPECT_EQ(Manager().GetOpenedCameraIds(), std::vector<std::string>{"New(U1)"});
-    // The list of the pass that saw the rename was copied before it; the next one carries the new key.
-    EXPECT_EQ(list.second, std::vector<std::string>{"Old(U1)"});
-    EXPECT_EQ(Pass().second, std::vector<std::string>{"New(U1)"});
-    device.Lose();
-    EXPECT_TRUE(WaitUntil([this] { return Manager().GetOpenedCameraIds().empty(); }))
+    uint64_t handles = gige.Counters().camerasCreated;
+    for (Scripted::ScriptedDevice* device : {&gige, &usb})
+        device->UpdateIdentity([](Scripted::DeviceIdentity& identity) { identity.userDefinedName = "New"; });
+    bench.Events().Clear();
+    // The list of the pass that saw the renames was copied before them; the next one has the new USB key.
+    EXPECT_EQ(Sorted(Pass().second), (std::vector<std::string>{"Old(G1)", "Old(U1)"}));
+    EXPECT_EQ(Sorted(Pass().second), (std::vector<std::string>{"New(U1)", "Old(G1)"}));
+    std::vector<std::string> renames;
+    for (const DeviceEventRecorder::Pair& rename : bench.Events().Snapshot().cameraIds)
+        renames.push_back(rename.first + ">" + rename.second);
+    EXPECT_EQ(Sorted(renames), (std::vector<std::string>{"Old(G1)>New(G1)", "Old(U1)>New(U1)"}));
+    EXPECT_EQ(Sorted(Manager().GetOpenedCameraIds()), (std::vector<std::string>{"New(U1)", "Old(G1)"}));
+    EXPECT_EQ(Info("New(G1)", ViewerBiz3::CAM_NAME), "New(G1)");
+    EXPECT_EQ(gige.Counters().camerasCreated, handles) << "the opened object is reused, not recreated";
+
+    usb.Lose();
+    EXPECT_TRUE(WaitUntil([this] { return Manager().GetOpenedCameraIds() == std::vector<std::string>{"Old(G1)"}; }))
         << "the lost camera is found though it reports the key it was opened with";
     EXPECT_EQ(Info("New(U1)", ViewerBiz3::CAM_NAME), "");
 }
 
-TEST_F(DiscoveryTest, ClosingACameraMakesTheNextWakeUpRunTwoPasses)
-{
-    AddGigECamera("A1", "Cam", "169.254.10.20", "02:00:00:00:00:01");
-    Pass();
-    ASSERT_EQ(Manager().OpenCamera("Cam(A1)"), 0);
-    ASSERT_EQ(Manager().CloseCamera("Cam(A1)"), 0);
-    uint64_t searches = ScriptedSdk::Instance().Counters().discoveries;
-    std::size_t lists = bench.Events().Snapshot().WholeLists();
-    Manager().RefreshDeviceList(1);
-    ASSERT_TRUE(bench.WaitForPasses(lists + 2));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, searches + 2);
-    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), lists + 2);
-}
-
-TEST_F(DiscoveryTest, CameraLinkRefreshAloneStartsNoDiscovery)
-{
-    Manager().RefreshDeviceList(ZYLGENICAM::TL_CAMERALINK);
-    Manager().RefreshDeviceList(0x8000);
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, 0u);
-    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 0u);
-}
-
-TEST_F(DiscoveryTest, QuickRefreshesShareTheOneDiscoveryThread)
+// One discovery thread: requests during a pass leave one wake-up behind, and the wake-up
+// after a camera was closed runs two passes.
+TEST_F(DiscoveryTest, RefreshRequestsShareTheOneDiscoveryThread)
 {
     AddGigECamera("A1", "Cam", "169.254.10.20", "02:00:00:00:00:01");
     ScriptedSdk::Instance().SetDiscoveryDelay(std::chrono::milliseconds(300));
     for (int request = 0; request < 3; ++request)
         EXPECT_EQ(Manager().RefreshDeviceList(1), 0);
     ASSERT_TRUE(bench.WaitForPasses(2));
-    std::this_thread::sleep_for(std::chrono::milliseconds(800));
-    // One thread: the first request runs a pass, the others only leave one wake-up behind.
-    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, 2u);
-    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 2u);
+    ScriptedSdk::Instance().SetDiscoveryDelay(std::chrono::milliseconds(0));
+    ASSERT_EQ(Manager().OpenCamera("Cam(A1)"), 0);
+    ASSERT_TRUE(bench.RunPass()) << "a pass keeps the opened camera";
+    ASSERT_EQ(Manager().CloseCamera("Cam(A1)"), 0);
+    Manager().RefreshDeviceList(1);
+    ASSERT_TRUE(bench.WaitForPasses(5));
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, 5u);
+    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 5u);
 }
 
 TEST_F(DiscoveryTest, TypesSearchedAreThoseOfTheStoredMask)
 {
     AddGigECamera("A1", "Cam", "169.254.10.20", "02:00:00:00:00:01");
     AddUsbCamera("U1", "Usb");
+    Manager().RefreshDeviceList(ZYLGENICAM::TL_CAMERALINK);
+    Manager().RefreshDeviceList(0x8000);
     Manager().SetTLTypeList(ZYLGENICAM::TL_USB);
-    EXPECT_EQ(Manager().GetTLTypeList(), static_cast<unsigned long long>(ZYLGENICAM::TL_USB));
-    DeviceEventRecorder::DeviceList list = Pass();
-    EXPECT_EQ(list.second, std::vector<std::string>{"Usb(U1)"});
+    EXPECT_EQ(Pass().second, std::vector<std::string>{"Usb(U1)"});
+    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, 1u) << "a Camera Link refresh alone searches nothing";
+    EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 1u);
 }
 
 TEST_F(DiscoveryTest, ManagerGoesAwayWhileAPassIsRunning)

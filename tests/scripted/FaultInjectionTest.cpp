@@ -5,11 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "ViewerBiz3.h"
@@ -21,9 +21,9 @@
 #include "support/common/WaitUntil.h"
 
 using namespace ViewerBiz3;
-using ::testing::Contains;
+using Scripted::SdkCall;
 using ::testing::IsEmpty;
-using ::testing::Not;
+namespace Sdk = ZYLGENICAM;
 
 namespace {
 
@@ -40,15 +40,14 @@ bool IsOpened(const std::string& id)
     return std::find(ids.begin(), ids.end(), id) != ids.end();
 }
 
-// A recorder that keeps the frames it gets until told to let them go.
+// A viewer that keeps the frames it gets until told to let them go.
 class HoldingViewer final : public IImageUpdate {
 public:
     void OnImageUpdate(std::string, void* image, int, int) override
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        if (image != nullptr) {
+        if (image != nullptr)
             m_held.push_back(static_cast<ZYLGENICAM::IImage*>(image));
-        }
     }
     std::size_t Held() const
     {
@@ -58,9 +57,8 @@ public:
     void ReleaseAll()
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        for (ZYLGENICAM::IImage* image : m_held) {
+        for (ZYLGENICAM::IImage* image : m_held)
             image->Release();
-        }
         m_held.clear();
     }
 
@@ -68,6 +66,9 @@ private:
     mutable std::mutex m_mutex;
     std::vector<ZYLGENICAM::IImage*> m_held;
 };
+
+// What the host is answered by open, start grab, stop grab and close.
+using Cycle = std::array<int, 4>;
 
 class FaultInjection : public ::testing::Test {
 protected:
@@ -78,26 +79,14 @@ protected:
                                   .Then(Scripted::WhenExhausted::Repeat)
                                   .Period(std::chrono::milliseconds(5)));
     }
+    ~FaultInjection() override { UnInit(); }
 
-    ~FaultInjection() override
+    void ListCamera()
     {
-        if (m_initialised) {
-            UnInit();
-        }
-    }
-
-    void StartLibrary()
-    {
-        m_initialised = true;
         ASSERT_EQ(-1, Init());
         m_applicationDirectory = std::make_unique<ApplicationDirectoryScope>(m_directory.Path());
         Utilities::StartLogFile(m_directory.Path(), 1 << 20);
         ASSERT_EQ(0, RegisterImageUpdateListener(CameraId, &sink));
-    }
-
-    void ListCamera()
-    {
-        StartLibrary();
         ASSERT_EQ(0, RefreshCameraList(ZYLGENICAM::TL_GIGE));
         ASSERT_TRUE(WaitUntil([] { return IsListed(CameraId); }));
     }
@@ -107,6 +96,25 @@ protected:
         const std::uint64_t before = sink.frames.load();
         ASSERT_EQ(0, StartGrab(CameraId));
         EXPECT_TRUE(WaitUntil([&] { return sink.frames.load() >= before + 3; }));
+    }
+
+    // Open, grab some frames, stop and close, each step tried only if the one it needs worked.
+
+    Cycle RunCycle()
+    {
+        Cycle result{OpenCamera(CameraId), -1, -1, -1};
+        const std::uint64_t before = sink.frames.load();
+        if (result[0] == 0)
+            result[1] = StartGrab(CameraId);
+        if (result[1] == 0) {
+            EXPECT_TRUE(WaitUntil([&] { return sink.frames.load() >= before + 3; }));
+        }
+        if (result[0] == 0) {
+            result[2] = StopGrab(CameraId);
+            EXPECT_EQ("0", GetCameraInfo(CameraId, CAM_GRABBING));
+            result[3] = CloseCamera(CameraId);
+        }
+        return result;
     }
 
     // Closed by the host, and every frame handed out went back to the SDK.
@@ -120,30 +128,48 @@ protected:
 
     Scripted::ScriptedDevice& camera;
     StressImageSink sink;
-    bool m_initialised = false;
     TempDirectory m_directory;
     std::unique_ptr<ApplicationDirectoryScope> m_applicationDirectory;
 };
 
+struct FailingCall {
+    SdkCall call;
+    int code;
+    Cycle answers;
+};
+
+class FailingSdkCall : public FaultInjection, public ::testing::WithParamInterface<FailingCall> {};
+
 } // namespace
 
-TEST_F(FaultInjection, AFailedOpenReturnsTheSdkCodeAndTheCameraOpensOnceItIsCleared)
+// A failed open or start hands the SDK's code to the host; a failed stop or close is
+// hidden, the camera ends stopped and closed all the same.
+TEST_P(FailingSdkCall, AnswersTheHostAndLeavesACameraThatWorksAgain)
 {
     ListCamera();
-    for (int code : {ZYLGENICAM::SDK_ERROR, ZYLGENICAM::SDK_ACCESS_DENIED}) {
-        camera.SetResult(Scripted::SdkCall::Open, code);
-
-        EXPECT_EQ(code, OpenCamera(CameraId));
-        EXPECT_FALSE(IsOpened(CameraId));
-        EXPECT_EQ("0", GetCameraInfo(CameraId, CAM_OPENED));
-        EXPECT_EQ(-1, StartGrab(CameraId)) << "a camera that failed to open cannot grab";
+    camera.SetResult(GetParam().call, GetParam().code);
+    EXPECT_EQ(GetParam().answers, RunCycle());
+    ExpectClosedAndReleased();
+    if (GetParam().answers[1] != 0) {
+        EXPECT_EQ(0u, camera.Counters().getImageCalls) << "no grab thread reads a stream that did not start";
     }
 
-    camera.SetResult(Scripted::SdkCall::Open, ZYLGENICAM::SDK_OK);
-    EXPECT_EQ(0, OpenCamera(CameraId));
-    EXPECT_TRUE(IsOpened(CameraId));
-    EXPECT_EQ(0, CloseCamera(CameraId));
+    if (GetParam().call == SdkCall::Close)
+        return; // the SDK still holds the handle it refused to close
+    camera.SetResult(GetParam().call, Sdk::SDK_OK);
+    EXPECT_EQ((Cycle{0, 0, 0, 0}), RunCycle()) << "once the SDK recovers";
+    EXPECT_EQ(-1, StopGrab(CameraId)) << "not grabbing";
+    EXPECT_EQ(-1, CloseCamera(CameraId)) << "not open";
+    ExpectClosedAndReleased();
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    EachCall, FailingSdkCall,
+    ::testing::Values(FailingCall{SdkCall::Open, Sdk::SDK_ERROR, {Sdk::SDK_ERROR, -1, -1, -1}},
+                      FailingCall{SdkCall::Open, Sdk::SDK_ACCESS_DENIED, {Sdk::SDK_ACCESS_DENIED, -1, -1, -1}},
+                      FailingCall{SdkCall::StartGrabbing, Sdk::SDK_ERROR, {0, Sdk::SDK_ERROR, -1, 0}},
+                      FailingCall{SdkCall::StopGrabbing, Sdk::SDK_ERROR, {0, 0, 0, 0}},
+                      FailingCall{SdkCall::Close, Sdk::SDK_ERROR, {0, 0, 0, 0}}));
 
 TEST_F(FaultInjection, AMissingFeatureNodeMapClosesTheSdkHandleAgainAndAnswersMinusTwo)
 {
@@ -161,24 +187,6 @@ TEST_F(FaultInjection, AMissingFeatureNodeMapClosesTheSdkHandleAgainAndAnswersMi
     EXPECT_EQ(0, OpenCamera(CameraId));
     EXPECT_EQ(0, GetCameraNodeValue(CameraId, "Width", width));
     EXPECT_EQ(0, CloseCamera(CameraId));
-}
-
-TEST_F(FaultInjection, AFailedStartReturnsTheSdkCodeAndTheCameraStaysOpenAndStartsLater)
-{
-    ListCamera();
-    ASSERT_EQ(0, OpenCamera(CameraId));
-    camera.SetResult(Scripted::SdkCall::StartGrabbing, ZYLGENICAM::SDK_ERROR);
-
-    EXPECT_EQ(ZYLGENICAM::SDK_ERROR, StartGrab(CameraId));
-    EXPECT_EQ("0", GetCameraInfo(CameraId, CAM_GRABBING));
-    EXPECT_TRUE(IsOpened(CameraId));
-    EXPECT_EQ(0u, camera.Counters().getImageCalls) << "no grab thread reads a stream that did not start";
-
-    camera.SetResult(Scripted::SdkCall::StartGrabbing, ZYLGENICAM::SDK_OK);
-    GrabSomeFrames();
-    EXPECT_EQ(0, StopGrab(CameraId));
-    EXPECT_EQ(0, CloseCamera(CameraId));
-    ExpectClosedAndReleased();
 }
 
 TEST_F(FaultInjection, ReadErrorsAndIncompleteFramesDoNotStopTheGrab)
@@ -230,62 +238,13 @@ TEST_F(FaultInjection, AFrameGoesBackAfterTheLastOfItsListenersReleasedIt)
     ExpectClosedAndReleased();
 }
 
-TEST_F(FaultInjection, AFailedStopStillEndsTheGrabForTheHostAndCloseRecovers)
-{
-    ListCamera();
-    ASSERT_EQ(0, OpenCamera(CameraId));
-    GrabSomeFrames();
-    camera.SetResult(Scripted::SdkCall::StopGrabbing, ZYLGENICAM::SDK_ERROR);
-
-    EXPECT_EQ(0, StopGrab(CameraId));
-    EXPECT_EQ("0", GetCameraInfo(CameraId, CAM_GRABBING));
-    EXPECT_EQ(0, CloseCamera(CameraId));
-    ExpectClosedAndReleased();
-
-    camera.SetResult(Scripted::SdkCall::StopGrabbing, ZYLGENICAM::SDK_OK);
-    ASSERT_EQ(0, OpenCamera(CameraId));
-    GrabSomeFrames();
-    EXPECT_EQ(0, StopGrab(CameraId));
-    EXPECT_EQ(0, CloseCamera(CameraId));
-    ExpectClosedAndReleased();
-}
-
-TEST_F(FaultInjection, AFailedCloseStillClosesTheCameraForTheHost)
-{
-    ListCamera();
-    ASSERT_EQ(0, OpenCamera(CameraId));
-    GrabSomeFrames();
-    camera.SetResult(Scripted::SdkCall::Close, ZYLGENICAM::SDK_ERROR);
-
-    EXPECT_EQ(0, CloseCamera(CameraId));
-
-    ExpectClosedAndReleased();
-    EXPECT_EQ(-1, StartGrab(CameraId));
-}
-
 TEST_F(FaultInjection, ACameraWithoutSdkHandleIsListedButDoesNotOpen)
 {
     camera.SetCreateCameraFails(true);
     ListCamera();
 
     EXPECT_EQ(-1, OpenCamera(CameraId));
-    EXPECT_FALSE(IsOpened(CameraId));
     EXPECT_EQ(0u, camera.Counters().opens);
-}
-
-TEST_F(FaultInjection, AnEmptyDiscoveryEmptiesTheListAndTheCameraComesBackWithTheDevice)
-{
-    ListCamera();
-    camera.SetPresent(false);
-    ASSERT_EQ(0, RefreshCameraList(ZYLGENICAM::TL_GIGE));
-    EXPECT_TRUE(WaitUntil([] { return !IsListed(CameraId); }));
-    EXPECT_EQ(-1, OpenCamera(CameraId));
-
-    camera.SetPresent(true);
-    ASSERT_EQ(0, RefreshCameraList(ZYLGENICAM::TL_GIGE));
-    ASSERT_TRUE(WaitUntil([] { return IsListed(CameraId); }));
-    EXPECT_EQ(0, OpenCamera(CameraId));
-    EXPECT_EQ(0, CloseCamera(CameraId));
 }
 
 TEST_F(FaultInjection, ALostCameraIsRemovedOnceAndItsReplacementOpens)
@@ -297,12 +256,10 @@ TEST_F(FaultInjection, ALostCameraIsRemovedOnceAndItsReplacementOpens)
     GrabSomeFrames();
 
     const std::uint64_t readsBefore = camera.Counters().getImageCalls;
-    const auto lostAt = std::chrono::steady_clock::now();
     camera.Lose();
     camera.SetPresent(false);
 
-    EXPECT_TRUE(WaitUntil([] { return !IsOpened(CameraId); })) << "the loss is noticed";
-    EXPECT_LT(std::chrono::steady_clock::now() - lostAt, std::chrono::milliseconds(1200)) << "handled at once";
+    EXPECT_TRUE(WaitUntil([] { return !IsOpened(CameraId) && !IsListed(CameraId); })) << "the loss is noticed";
     EXPECT_LT(camera.Counters().getImageCalls - readsBefore, 10u) << "a device that is gone is not read in a spin";
     EXPECT_TRUE(camera.WaitUntil([](const Scripted::DeviceCounters& c) { return c.ImagesOutstanding() == 0; }));
     EXPECT_TRUE(WaitUntil([&] { return logger.lossLines.load() >= 1; }));
@@ -311,6 +268,9 @@ TEST_F(FaultInjection, ALostCameraIsRemovedOnceAndItsReplacementOpens)
         Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
     ASSERT_EQ(0, RefreshCameraList(ZYLGENICAM::TL_GIGE));
     ASSERT_TRUE(WaitUntil([] { return IsListed(CameraId) && GetCameraInfo(CameraId, CAM_OPENED) == "0"; }));
+    EXPECT_TRUE(camera.WaitUntil([](const Scripted::DeviceCounters& c) {
+        return c.camerasCreated == c.camerasDestroyed;
+    })) << "the lost camera's object gives its handle back once a pass has run";
     EXPECT_EQ(0, OpenCamera(CameraId));
     EXPECT_EQ(1u, replacement.Counters().opens);
     EXPECT_EQ(0, CloseCamera(CameraId));

@@ -22,22 +22,18 @@ DeviceEventRecorder::DeviceList DeviceEventRecorder::Events::LastWholeList() con
 DeviceEventRecorder::DeviceEventRecorder()
 {
     m_event.RegisterDeviceListUpdateListener(this);
-    m_event.RegisterFocusUpdateListener(this);
     m_event.RegisterCameraIdUpdateListener(this);
     m_event.RegisterImageModeUpdateListener(this);
     m_event.RegisterSLImageShowModeUpdateListener(this);
-    m_event.RegisterAcqStatisticUpdateListener(this);
     m_event.RegisterImageUpdateListener("", this);
 }
 
 DeviceEventRecorder::~DeviceEventRecorder()
 {
     m_event.UnRegisterDeviceListUpdateListener(this);
-    m_event.UnRegisterFocusUpdateListener(this);
     m_event.UnRegisterCameraIdUpdateListener(this);
     m_event.UnRegisterImageModeUpdateListener(this);
     m_event.UnRegisterSLImageShowModeUpdateListener(this);
-    m_event.UnRegisterAcqStatisticUpdateListener(this);
     m_event.UnRegisterImageUpdateListener("", this);
 }
 
@@ -75,11 +71,6 @@ void DeviceEventRecorder::OnDeviceListUpdate(int kind, std::vector<std::string> 
     Record([&](Events& events) { events.deviceLists.push_back({kind, first, second}); });
 }
 
-void DeviceEventRecorder::OnFocusUpdate(ViewerBiz3::FOCUS_TYPE type, std::string deviceId)
-{
-    Record([&](Events& events) { events.focus.push_back({std::to_string(type), deviceId}); });
-}
-
 void DeviceEventRecorder::OnCameraIdUpdate(std::string oldId, std::string newName)
 {
     Record([&](Events& events) { events.cameraIds.push_back({oldId, newName}); });
@@ -93,11 +84,6 @@ void DeviceEventRecorder::OnImageModeUpdate(std::string cameraKey, int imageMode
 void DeviceEventRecorder::OnSLImageShowModeUpdate(std::string cameraId, int showMode)
 {
     Record([&](Events& events) { events.showModes.push_back({cameraId, std::to_string(showMode)}); });
-}
-
-void DeviceEventRecorder::OnAcqStatisticUpdate(std::string /*cameraName*/, bool /*fromSetInfo*/)
-{
-    Record([](Events& events) { ++events.statistics; });
 }
 
 void DeviceEventRecorder::OnImageUpdate(std::string /*cameraKey*/, void* image, int /*extra1*/, int /*extra2*/)

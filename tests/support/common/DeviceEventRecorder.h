@@ -1,5 +1,5 @@
-// Records what the device manager tells the host: device-list, focus,
-// camera-identifier, image-mode, show-mode, statistics and image events.
+// Records what the device manager tells the host: device-list, camera-identifier,
+// image-mode, show-mode and image events.
 // Images are released at once, as a host would after drawing them.
 #pragma once
 
@@ -13,11 +13,9 @@
 #include "ViewerBiz3Listeners.h"
 
 class DeviceEventRecorder final : public ViewerBiz3::IDeviceListUpdate,
-                                  public ViewerBiz3::IFocusUpdate,
                                   public ViewerBiz3::ICameraIdUpdate,
                                   public ViewerBiz3::IImageModeUpdate,
                                   public ViewerBiz3::ISLImageShowModeUpdate,
-                                  public ViewerBiz3::IAcqStatisticUpdate,
                                   public ViewerBiz3::IImageUpdate {
 public:
     struct DeviceList {
@@ -31,11 +29,9 @@ public:
     };
     struct Events {
         std::vector<DeviceList> deviceLists;
-        std::vector<Pair> focus;      // (type as text, id)
         std::vector<Pair> cameraIds;  // (old id, new name)
         std::vector<Pair> imageModes; // (key, mode)
         std::vector<Pair> showModes;  // (id, mode)
-        std::size_t statistics = 0;
         std::size_t images = 0;
 
         std::size_t WholeLists() const;
@@ -55,11 +51,9 @@ public:
     void Clear();
 
     void OnDeviceListUpdate(int kind, std::vector<std::string> first, std::vector<std::string> second) override;
-    void OnFocusUpdate(ViewerBiz3::FOCUS_TYPE type, std::string deviceId) override;
     void OnCameraIdUpdate(std::string oldId, std::string newName) override;
     void OnImageModeUpdate(std::string cameraKey, int imageMode) override;
     void OnSLImageShowModeUpdate(std::string cameraId, int showMode) override;
-    void OnAcqStatisticUpdate(std::string cameraName, bool fromSetInfo) override;
     void OnImageUpdate(std::string cameraKey, void* image, int extra1, int extra2) override;
 
 private:

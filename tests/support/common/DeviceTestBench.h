@@ -30,8 +30,6 @@ public:
 
     DeviceManager& Manager();
     DeviceEventRecorder& Events() { return m_events; }
-    NetworkNamespace& Namespace() { return m_namespace; }
-    const TempDirectory& Directory() const { return m_directory; }
 
     // Asks for a refresh and waits for the pass's whole-list notification.
     bool RunPass(int types = 1 | 2 | 8);
