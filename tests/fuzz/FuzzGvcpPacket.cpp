@@ -1,7 +1,6 @@
-// GVCP packets as anything on the network might send them, read as an acknowledge of each code
-// the library waits for (with the request id from the input's own header, so the header checks
-// pass as often as they can), and an accepted payload read as discovery data. Nothing reads past
-// the input, an acknowledge's payload lies inside the packet and texts stay inside their fields.
+// GVCP packets as anything on the network might send them, read as an acknowledge of each code the
+// library waits for (with the input's own request id, so header checks pass as often as they can),
+// an accepted payload read as discovery data. Nothing reads past the input or outside its field.
 #include <cstddef>
 #include <cstdint>
 

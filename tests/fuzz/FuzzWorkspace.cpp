@@ -1,48 +1,72 @@
 #include "FuzzWorkspace.h"
 
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <vector>
 
 #include "FuzzExpect.h"
 #include "log/Log.h"
+#include "settings/IniFile.h"
 
-FuzzWorkspace::FuzzWorkspace()
-{
-    const std::string pattern = (std::filesystem::temp_directory_path() / "vb3-fuzz-XXXXXX").string();
-    std::vector<char> path(pattern.begin(), pattern.end());
-    path.push_back('\0');
-    FuzzExpect(mkdtemp(path.data()) != nullptr, "a private temporary directory can be created");
-    m_path = path.data();
-    FuzzExpect(m_path.size() < sizeof(libraryPath), "the temporary directory fits the application directory");
-    std::memset(libraryPath, 0, sizeof(libraryPath));
-    m_path.copy(libraryPath, sizeof(libraryPath) - 1);
-}
+namespace {
 
-FuzzWorkspace::~FuzzWorkspace()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
+struct ApplicationDirectory {
+    ApplicationDirectory()
+    {
+        path = (std::filesystem::temp_directory_path() / "vb3-fuzz-XXXXXX").string();
+        FuzzExpect(mkdtemp(path.data()) != nullptr, "a private temporary directory can be created");
+        FuzzExpect(path.size() < sizeof(libraryPath), "the temporary directory fits the application directory");
+        std::snprintf(libraryPath, sizeof(libraryPath), "%s", path.c_str());
+    }
+    ~ApplicationDirectory()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    std::string path;
+};
 
-std::string FuzzWorkspace::File(const std::string& name) const
-{
-    return m_path + "/" + name;
-}
+} // namespace
 
-void FuzzWorkspace::Write(const std::string& name, const uint8_t* data, std::size_t size) const
+std::string FileText(const std::string& path)
 {
-    std::ofstream file(File(name), std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    file.close();
-    FuzzExpect(file.good(), "the input file can be written");
-}
-
-std::string FuzzWorkspace::Read(const std::string& name) const
-{
-    std::ifstream file(File(name), std::ios::binary);
+    std::ifstream file(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+void FuzzIniRoundTrip(const std::string& name, const uint8_t* data, std::size_t size,
+                      const std::function<bool(const std::string& section)>& owns,
+                      const std::function<HeldValues(const SectionKeys& keys, bool save)>& load)
+{
+    static const ApplicationDirectory directory;
+    const std::string path = directory.path + "/" + name;
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << input;
+    FuzzExpect(FileText(path) == input, "the input file can be written");
+
+    SectionKeys keys;
+    const bool loadable = IniFile::Read(path, [&keys](const IniFile::Store& store) {
+        IniFile::Store::TNamesDepend sections;
+        store.GetAllSections(sections);
+        for (const auto& section : sections) {
+            IniFile::Store::TNamesDepend names;
+            store.GetAllKeys(section.pItem, names);
+            for (const auto& name : names)
+                keys.emplace_back(section.pItem, name.pItem);
+        }
+    });
+    const HeldValues held = load(keys, true);
+    if (!loadable) {
+        FuzzExpect(FileText(path) == input, "a file the loader cannot read is left untouched");
+        return;
+    }
+    const bool readable = IniFile::Read(path, [&keys, &owns](const IniFile::Store& store) {
+        for (const auto& [section, key] : keys)
+            FuzzExpect(!owns(section) || store.GetValue(section.c_str(), key.c_str(), nullptr) != nullptr,
+                       "every key of the library's sections survives a save");
+    });
+    FuzzExpect(readable, "the saved file can be read again");
+    FuzzExpect(load(keys, false) == held, "loading the saved file gives back what the library held");
 }
