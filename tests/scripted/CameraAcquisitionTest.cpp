@@ -250,18 +250,4 @@ TEST_F(CameraAcquisitionTest, SlowHostSeesOnlyTheNewestFramesAndCloseWhileGrabbi
     EXPECT_EQ(device.Counters().ImagesOutstanding(), 0u);
 }
 
-TEST_F(CameraAcquisitionTest, WithoutHostFramesAreReleasedInsteadOfDelivered)
-{
-    SetCameraHost(nullptr);
-    device.SetFrameScript(FrameScript().Period(5ms));
-    Camera* camera = OpenedCamera();
-    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
-    ASSERT_TRUE(device.WaitUntil([](const auto& c) { return c.imagesHandedOut >= 10; }));
-    ASSERT_EQ(camera->StopGrab(true), 0);
-
-    EXPECT_TRUE(host.Recorded().images.empty());
-    EXPECT_TRUE(host.Recorded().statistics.empty());
-    EXPECT_EQ(device.Counters().ImagesOutstanding(), 0u);
-}
-
 } // namespace

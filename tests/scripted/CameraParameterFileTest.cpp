@@ -48,7 +48,7 @@ protected:
     std::vector<std::string> freshFields = LoadedFields("Fresh(F0)", 0);
 };
 
-TEST_F(CameraParameterFileTest, ProfileCameraReadsItsOwnSection)
+TEST_F(CameraParameterFileTest, EachProfileCameraReadsAndSavesItsOwnSection)
 {
     // Keys match whatever their case; a stored "NULL" counts as absent.
     WriteTextFile(path, "[Other(F2)]\nimageBits=8\n\n[Profile(F1)]\nIMAGEBITS=12\nsamplingRatio=2\n"
@@ -56,18 +56,11 @@ TEST_F(CameraParameterFileTest, ProfileCameraReadsItsOwnSection)
     const std::vector<std::string> expected = {"12", "2", "0.01", "1", freshFields[4], "-4.5"};
     EXPECT_EQ(LoadedFields("Profile(F1)"), expected);
     EXPECT_EQ(LoadedFields("Profile(F3)"), freshFields);
-}
 
-TEST_F(CameraParameterFileTest, EachProfileCameraSavesItsSectionAndKeepsTheOthers)
-{
-    WriteTextFile(path, "[Other(F2)]\nimageBits=8\n");
-    Save("Profile(F1)", ViewerBiz3::CAM_IMAGE_BITS, "10");
     Save("Profile(F3)", ViewerBiz3::CAM_Z_DOWN_SIZE, "-3");
-
-    const std::string saved = ReadTextFile(path);
-    EXPECT_EQ(saved.rfind("\xEF\xBB\xBF", 0), 0u) << "starts with a UTF-8 byte order mark";
+    EXPECT_EQ(ReadTextFile(path).rfind("\xEF\xBB\xBF", 0), 0u) << "starts with a UTF-8 byte order mark";
     EXPECT_EQ(LoadedFields("Other(F2)")[0], "8");
-    EXPECT_EQ(LoadedFields("Profile(F1)")[0], "10");
+    EXPECT_EQ(LoadedFields("Profile(F1)"), expected);
     EXPECT_EQ(LoadedFields("Profile(F3)")[0], freshFields[0]);
     EXPECT_EQ(LoadedFields("Profile(F3)")[5], "-3");
 }
