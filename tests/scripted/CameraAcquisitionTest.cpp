@@ -1,5 +1,5 @@
-// Grabbing on a scripted camera: start and stop, statistics, frame-id gaps, frame limits,
-// failing devices and a slow host.
+// Grabbing on a scripted camera: start and stop, statistics, failing reads, frame limits
+// and a slow host.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -117,27 +117,6 @@ TEST_P(FailedReadTest, FailuresAreCountedAndLoggedButTimeoutsAreNeitherFramesNor
 INSTANTIATE_TEST_SUITE_P(CameraKinds, FailedReadTest,
                          ::testing::Values(FailedReadCase{false, {50, 50}, 1}, FailedReadCase{true, {0, 77}, 0}));
 
-TEST_F(CameraAcquisitionTest, FrameIdGapIsReportedOncePerPeriod)
-{
-    device.SetFrameScript(FrameScript::Empty()
-                              .AddFrames(10, 2)
-                              .Add(FrameStep::Frame(12).After(400ms))
-                              .AddFrames(3, 1)
-                              .AddFrames(7, 1)
-                              .AddFrames(20, 1)
-                              .Then(WhenExhausted::KeepTimingOut));
-    Camera* camera = OpenedCamera();
-    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
-    ASSERT_TRUE(device.WaitUntil([](const auto& c) { return c.stepsAnswered >= 7; }));
-    ASSERT_EQ(camera->StopGrab(false), 0);
-
-    // The first frame counts from 0; the restart wraps around as an unsigned difference. Frame 12
-    // comes after a publication, which allows the next gap message; the gaps after it stay silent.
-    EXPECT_TRUE(log.Contains("Info", "The frame id increment is not 1, pre id = 0, current id = 10"));
-    EXPECT_TRUE(log.Contains("Info", "The frame id increment is not 1, pre id = 12, current id = 3"));
-    EXPECT_EQ(log.Count("The frame id increment is not 1"), 2u);
-}
-
 // Only a frame the device sent reaches the limit; the failed read still shows in the frame count.
 TEST_F(CameraAcquisitionTest, FrameLimitStopsTheGrabByItselfAndTheNextStartWorks)
 {
@@ -203,28 +182,16 @@ INSTANTIATE_TEST_SUITE_P(CameraKinds, BandwidthTest,
                              BandwidthCase{true, FrameStep::Frame(1, 8, 8).Chunks({1000000, 250000}), 10.0},
                              BandwidthCase{true, FrameStep::Frame(1), 0.0}));
 
-TEST_F(CameraAcquisitionTest, StatisticsAndDeliveriesAreThrottled)
+// Hundreds of frames, yet only a publication per 300 ms (plus the one at the start).
+TEST_F(CameraAcquisitionTest, StatisticsArePublishedAtMostEveryPeriod)
 {
     device.SetFrameScript(FrameScript().Period(1ms));
     Camera* camera = OpenedCamera();
     ASSERT_EQ(camera->StartGrab(0, continuous), 0);
-    ASSERT_TRUE(WaitUntil([&] { return host.ImagesWithPicture() >= 6; }));
+    ASSERT_TRUE(WaitUntil([&] { return device.Counters().imagesHandedOut >= 200; }));
     ASSERT_EQ(camera->StopGrab(false), 0);
 
-    // A publication per 300 ms (plus the one at the start), a delivery round per 30 ms counted from
-    // the end of the previous round (millisecond clock: allow 1 ms a round); the other frames are
-    // dropped and released.
-    const CameraTestHost::Record record = host.Recorded();
-    const uint64_t frames = device.Counters().imagesHandedOut;
-    EXPECT_LT(record.statistics.size() * 10, frames);
-    std::vector<std::chrono::steady_clock::time_point> arrivals;
-    for (const auto& image : record.images) {
-        if (image.withImage)
-            arrivals.push_back(image.arrival);
-    }
-    EXPECT_GE(arrivals.back() - arrivals.front(), (static_cast<int>(arrivals.size()) - 2) * 29ms);
-    EXPECT_GT(frames, arrivals.size());
-    EXPECT_EQ(device.Counters().ImagesOutstanding(), 0u);
+    EXPECT_LT(host.Recorded().statistics.size() * 10, device.Counters().imagesHandedOut);
 }
 
 // The frames a slow host has no time for are dropped, and closing while it holds one stops

@@ -42,11 +42,11 @@ TEST_F(CameraLinkTest, RefreshListsTheCardThenTheHostOpensItBindsItsCameraAndClo
     EXPECT_EQ(list.first, std::vector<std::string>{"card0"});
     EXPECT_TRUE(Contains(list.second, CAMERA_ID));
     EXPECT_TRUE(Contains(list.second, SERIAL_ONLY_ID));
-    EXPECT_EQ(Manager().GetCameraInfo(CAMERA_ID, ViewerBiz3::CAM_KIND), "4");
     EXPECT_EQ(Manager().GetCameraInfo(CAMERA_ID, ViewerBiz3::CAM_LIST_KEY), "card0");
-    EXPECT_EQ(Manager().GetCameraInfo(SERIAL_ONLY_ID, ViewerBiz3::CAM_LIST_KEY), "GenCPCamera");
-    EXPECT_EQ(Manager().GetCardInfo("card0", ViewerBiz3::CARD_OPENED), "0");
     EXPECT_EQ(Manager().GetCardInfo("card0", Card::CAMERA_NAME_TEXT), CAMERA_ID);
+    EXPECT_EQ(Manager().GetCardInfo("card0", ViewerBiz3::CARD_OPENED), "0");
+    std::string value;
+    EXPECT_EQ(Manager().GetCardNodeValue("card0", "SerialBaudRate", value), -1) << "card not opened";
 
     bench.Events().Clear();
     EXPECT_EQ(Manager().OpenCard("nocard"), -1);
@@ -63,36 +63,23 @@ TEST_F(CameraLinkTest, RefreshListsTheCardThenTheHostOpensItBindsItsCameraAndClo
     EXPECT_EQ(camera.Counters().clProtocolCalls[0].protocol, "CameraLink");
     EXPECT_EQ(camera.Counters().clProtocolCalls[0].serialPort, "COM1");
     EXPECT_EQ(Manager().GetOpenedCameraIds(), std::vector<std::string>{CAMERA_ID});
-    std::string width;
-    EXPECT_EQ(Manager().GetCameraNodeValue(CAMERA_ID, "Width", width), 0);
-    EXPECT_EQ(width, "640");
-
-    EXPECT_EQ(Manager().CloseCLCamera(CAMERA_ID), 0);
-    ASSERT_EQ(camera.Counters().clProtocolCalls.size(), 2u);
-    EXPECT_TRUE(camera.Counters().clProtocolCalls[1].unbind);
-    EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
-    EXPECT_EQ(Manager().CloseCard("card0"), 0);
-    EXPECT_TRUE(Manager().GetOpenedCardIds().empty());
-    EXPECT_EQ(Manager().CloseCard("card0"), -1) << "not opened";
-    EXPECT_EQ(Manager().CloseCLCamera("Nobody(0)"), -1);
-}
-
-TEST_F(CameraLinkTest, OpeningACameraOpensItsCardAndClosingTheCardClosesIt)
-{
-    auto& camera = ListCameras();
-    std::string value;
-    EXPECT_EQ(Manager().GetCardNodeValue("card0", "SerialBaudRate", value), -1) << "card not opened";
-    ASSERT_EQ(Manager().OpenCLCamera(CAMERA_ID, "CameraLink", "COM1"), 0);
-    EXPECT_EQ(Manager().GetOpenedCardIds(), std::vector<std::string>{"card0"});
-    EXPECT_EQ(camera.Counters().opens, 1u);
+    EXPECT_EQ(Manager().GetCameraNodeValue(CAMERA_ID, "Width", value), 0);
+    EXPECT_EQ(value, "640");
     EXPECT_EQ(Manager().SetCardNodeValue("card0", "SerialBaudRate", "115200"), 0);
     EXPECT_EQ(Manager().GetCardNodeValue("card0", "SerialBaudRate", value), 0);
     EXPECT_EQ(value, "115200");
     EXPECT_NE(Manager().GetNodeMap(ViewerBiz3::FOCUS_CARD, "card0", ViewerBiz3::NODEMAP_MODULE0), nullptr);
+    EXPECT_EQ(Manager().CloseCLCamera(CAMERA_ID), 0);
+    ASSERT_EQ(camera.Counters().clProtocolCalls.size(), 2u);
+    EXPECT_TRUE(camera.Counters().clProtocolCalls[1].unbind);
+    EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
+    EXPECT_EQ(Manager().CloseCLCamera("Nobody(0)"), -1);
 
+    ASSERT_EQ(Manager().OpenCLCamera(CAMERA_ID, "CameraLink", "COM1"), 0);
     EXPECT_EQ(Manager().CloseCard("card0"), 0) << "closing the card unbinds its camera first";
     EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
-    EXPECT_EQ(camera.Counters().closes, 1u);
+    EXPECT_TRUE(Manager().GetOpenedCardIds().empty());
+    EXPECT_EQ(Manager().CloseCard("card0"), -1) << "not opened";
 }
 
 TEST_F(CameraLinkTest, ACameraThatCannotBeBoundLeavesItsCardOpenAndIsShownClosed)
@@ -108,10 +95,12 @@ TEST_F(CameraLinkTest, ACameraThatCannotBeBoundLeavesItsCardOpenAndIsShownClosed
     EXPECT_EQ(deviceLists.back().second, std::vector<std::string>{CAMERA_ID});
 }
 
-TEST_F(CameraLinkTest, EmptyProtocolOrPortLeavesTheCameraClosed)
+TEST_F(CameraLinkTest, OpeningACameraOpensItsCardAndAnEmptyProtocolOrPortClosesIt)
 {
-    ListCameras();
+    auto& camera = ListCameras();
     ASSERT_EQ(Manager().OpenCLCamera(CAMERA_ID, "CameraLink", "COM1"), 0);
+    EXPECT_EQ(Manager().GetOpenedCardIds(), std::vector<std::string>{"card0"});
+    EXPECT_EQ(camera.Counters().opens, 1u);
     EXPECT_EQ(Manager().OpenCLCamera(CAMERA_ID, "", "COM1"), 0);
     EXPECT_EQ(Manager().GetCameraInfo(CAMERA_ID, ViewerBiz3::CAM_OPENED), "0");
     EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());

@@ -35,7 +35,7 @@ std::size_t CameraTestHost::ImagesWithPicture() const
 
 std::size_t CameraTestHost::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2)
 {
-    Append(m_record.images, {key, image != nullptr, extra1, extra2, std::chrono::steady_clock::now()});
+    Append(m_record.images, {key, image != nullptr, extra1, extra2});
     if (!image)
         return 0;
     std::this_thread::sleep_for(m_holdTime.load());

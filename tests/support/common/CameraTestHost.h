@@ -22,7 +22,6 @@ public:
         bool withImage;
         int extra1;
         int extra2;
-        std::chrono::steady_clock::time_point arrival;
     };
     struct StatisticEvent {
         std::string key;
