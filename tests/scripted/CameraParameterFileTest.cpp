@@ -23,7 +23,6 @@ protected:
         Camera camera(nullptr);
         camera.SetKind(kind);
         camera.SetKey(key);
-        camera.SetName(key);
         LoadProfileCameraSettings(&camera);
         std::vector<std::string> fields;
         for (ViewerBiz3::CAM_INFO info :
@@ -39,7 +38,6 @@ protected:
         Camera camera(nullptr);
         camera.SetKind(kind);
         camera.SetKey(key);
-        camera.SetName(key);
         camera.SetText(info, value);
         SaveProfileCameraSettings(&camera);
     }

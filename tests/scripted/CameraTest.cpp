@@ -1,9 +1,6 @@
 // A camera's life as the device manager drives it: open and close, its information
-// fields, node access, the watchdog that notices a lost device, and the
-// address change.
+// fields, node access, the watchdog that notices a lost device, and the address change.
 #include <gtest/gtest.h>
-
-#include <memory>
 
 #include "support/common/CameraLogRecorder.h"
 #include "support/common/CameraTestHost.h"
@@ -122,7 +119,6 @@ TEST_F(CameraTest, LostCameraLinkCameraBecomesAPlaceholder)
     cameraLink.SetKey(linkKey);
     cameraLink.SetKind(4);
     cameraLink.SetVirtualSuffix("2");
-    cameraLink.SetText(ViewerBiz3::CAM_CL_PROTOCOL, "GenCP");
     ASSERT_EQ(cameraLink.OpenCamera(1), 0);
     ASSERT_EQ(cameraLink.StartGrab(0, continuous), 0);
 
@@ -147,10 +143,7 @@ TEST_F(CameraTest, AddressChangeOnlyWhileClosedAndAlwaysRefreshesTheList)
     ASSERT_EQ(camera->CloseCamera(false), 0);
 
     EXPECT_EQ(camera->ModifyCameraIP("169.254.10.30", "255.255.0.0", "0.0.0.0", true), 0);
-    const auto calls = device.Counters().cameraIPCalls;
-    ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].ip, "169.254.10.30");
-    EXPECT_TRUE(calls[0].persistent);
+    EXPECT_EQ(device.Counters().cameraIPCalls.size(), 1u);
     EXPECT_EQ(host.Recorded().refreshes, std::vector<int>{ZYLGENICAM::TL_GIGE});
     // The IP library's -4 is a success.
     device.SetResult(Scripted::SdkCall::SetCameraIP, -4);

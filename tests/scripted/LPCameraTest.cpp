@@ -2,8 +2,6 @@
 // counting, limited batch acquisition and delivery with mode and scaler.
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "camera/LPCamera.h"
 #include "node/NodeAccess.h"
 #include "support/common/CameraLogRecorder.h"

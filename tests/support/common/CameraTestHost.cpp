@@ -1,5 +1,6 @@
 #include "support/common/CameraTestHost.h"
 
+#include <algorithm>
 #include <thread>
 
 CameraTestHost::CameraTestHost()
@@ -27,10 +28,8 @@ CameraTestHost::Record CameraTestHost::Recorded() const
 std::size_t CameraTestHost::ImagesWithPicture() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    std::size_t count = 0;
-    for (const ImageEvent& event : m_record.images)
-        count += event.withImage ? 1 : 0;
-    return count;
+    return std::count_if(m_record.images.begin(), m_record.images.end(),
+                         [](const ImageEvent& event) { return event.withImage; });
 }
 
 std::size_t CameraTestHost::NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2)
