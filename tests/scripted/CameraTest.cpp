@@ -63,7 +63,8 @@ TEST_F(CameraTest, NodeAccessNeedsAnOpenCameraAndFailuresAreLogged)
     ASSERT_EQ(camera->GetNodeValue("Width", value, true), 0);
     EXPECT_EQ(value, "320");
     std::string min, max, inc;
-    EXPECT_EQ(camera->GetIntNodeInfo("StreamBufferCount", value, min, max, inc, false), 0);
+    ASSERT_EQ(camera->GetIntNodeInfo("StreamBufferCount", value, min, max, inc, false), 0);
+    EXPECT_EQ(max, "256");
 
     // A missing node (-4) is routine when reading and stays out of the log.
     EXPECT_EQ(camera->GetNodeValue("NoSuchNode", value, true), -4);

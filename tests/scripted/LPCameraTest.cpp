@@ -88,7 +88,6 @@ protected:
 TEST_F(LPCameraTest, OpenReadsTheDeviceSettingsAndImageModesRoundTripThroughTheSwitches)
 {
     LPCamera* camera = OpenedCamera();
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_KIND), "1");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_UP_SIZE), "12.500000");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_DOWN_SIZE), "-12.500000");
     // 128.0 / 3200
