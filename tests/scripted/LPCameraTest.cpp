@@ -2,11 +2,8 @@
 // counting, limited batch acquisition and delivery with mode and scaler.
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "camera/LPCamera.h"
 #include "node/NodeAccess.h"
-#include "support/common/CameraHandles.h"
 #include "support/common/CameraLogRecorder.h"
 #include "support/common/CameraTestHost.h"
 #include "support/scripted/ScriptedSdk.h"
@@ -21,39 +18,22 @@ using Scripted::WhenExhausted;
 
 const std::string serialNumber = "F100";
 const std::string cameraKey = "Profile(F100)";
+constexpr unsigned long long continuous = 4294967295ull;
 
-// The document with one feature's declaration replaced.
-std::string WithFeatureReplaced(std::string xml, const std::string& featureKind, const std::string& featureName,
-                                const std::string& replacement)
+// The profile camera's document with the declaration of one integer feature replaced.
+std::string ProfileXmlWith(const std::string& feature, const std::string& replacement)
 {
-    const std::size_t begin = xml.find("<" + featureKind + " Name=\"" + featureName + "\"");
-    const std::string closing = "</" + featureKind + ">";
-    const std::size_t end = xml.find(closing, begin);
-    EXPECT_NE(end, std::string::npos) << featureName;
-    if (begin == std::string::npos || end == std::string::npos)
-        return xml;
-    return xml.replace(begin, end + closing.size() - begin, replacement);
+    const std::string closing = "</Integer>";
+    std::string xml = Scripted::ProfileCameraXml();
+    const std::size_t begin = xml.find("<Integer Name=\"" + feature + "\"");
+    EXPECT_NE(begin, std::string::npos) << feature;
+    return xml.replace(begin, xml.find(closing, begin) + closing.size() - begin, replacement);
 }
 
-std::string ProfileXmlWith(const std::string& featureKind, const std::string& featureName,
-                           const std::string& replacement)
+std::string IntegerFeature(const std::string& name, const std::string& value, const std::string& extra = "")
 {
-    return WithFeatureReplaced(Scripted::ProfileCameraXml(), featureKind, featureName, replacement);
-}
-
-std::string IntegerFeature(const std::string& name, const std::string& value, const std::string& min,
-                           const std::string& extra = "")
-{
-    return "<Integer Name=\"" + name + "\" NameSpace=\"Custom\">" + extra + "<Value>" + value + "</Value><Min>" + min +
-           "</Min><Max>1000000</Max><Inc>1</Inc></Integer>";
-}
-
-Scripted::DeviceDescription ProfileDevice(const std::string& moduleXml = "")
-{
-    Scripted::DeviceDescription description = Scripted::ProfileCamera(serialNumber, "Profile");
-    if (!moduleXml.empty())
-        description.moduleXml[3] = moduleXml;
-    return description;
+    return "<Integer Name=\"" + name + "\" NameSpace=\"Custom\">" + extra + "<Value>" + value +
+           "</Value><Min>0</Min><Max>1000000</Max><Inc>1</Inc></Integer>";
 }
 
 FrameStep ProfileFrame(uint64_t frameId, std::vector<uint64_t> chunkSizes)
@@ -67,15 +47,15 @@ protected:
     CameraTestHost host;
     Scripted::ScriptedDevice* device = nullptr;
 
-    LPCamera* OpenedCamera(Scripted::DeviceDescription description = ProfileDevice())
+    LPCamera* OpenedCamera(const std::string& moduleXml = "")
     {
+        Scripted::DeviceDescription description = Scripted::ProfileCamera(serialNumber, "Profile");
+        if (!moduleXml.empty())
+            description.moduleXml[3] = moduleXml;
         device = &Scripted::OnlyDevice(std::move(description));
-        auto camera = std::make_unique<LPCamera>(CreateCameraHandle(~0ull, serialNumber));
-        camera->SetName(cameraKey);
-        camera->SetKey(cameraKey);
-        LPCamera* raw = host.Adopt(std::move(camera));
-        EXPECT_EQ(raw->OpenCamera(1), 0);
-        return raw;
+        LPCamera* camera = host.AddCamera<LPCamera>(serialNumber, cameraKey);
+        EXPECT_EQ(camera->OpenCamera(1), 0);
+        return camera;
     }
 
     std::string DeviceValue(const std::string& node)
@@ -86,57 +66,43 @@ protected:
         return value;
     }
 
-    void SetDeviceValue(const std::string& node, const std::string& value)
-    {
-        std::string message;
-        ASSERT_EQ(Utilities::SetNodeValue(device->NodeMap(3), node, value, message), 0) << node << message;
-    }
-
     std::string Switches()
     {
         return DeviceValue("EnableExtraction") + DeviceValue("EnableImage") + DeviceValue("EnableCalibration") +
                DeviceValue("BatchEnable");
     }
 
+    // Grabs until the script's steps and a timeout after them (which publishes the final count)
+    // were read; answers the frame count.
     uint64_t FramesAfterScript(LPCamera* camera, FrameScript script, uint64_t steps)
     {
-        device->SetFrameScript(std::move(script));
+        device->SetFrameScript(std::move(script.Then(WhenExhausted::KeepTimingOut)));
         const uint64_t callsBefore = device->Counters().getImageCalls;
-        EXPECT_EQ(camera->StartGrab(0, 4294967295ull), 0);
-        // The timeout after the last frame publishes the final count.
+        EXPECT_EQ(camera->StartGrab(0, continuous), 0);
         EXPECT_TRUE(device->WaitUntil([&](const auto& c) { return c.getImageCalls >= callsBefore + steps + 2; }));
         EXPECT_EQ(camera->StopGrab(false), 0);
         return std::stoull(camera->GetInfo(ViewerBiz3::CAM_FRAME_COUNT));
     }
 };
 
-TEST_F(LPCameraTest, OpenReadsTheProfileSettingsOfTheDevice)
+TEST_F(LPCameraTest, OpenReadsTheDeviceSettingsAndImageModesRoundTripThroughTheSwitches)
 {
     LPCamera* camera = OpenedCamera();
-
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_KIND), "1");
-    EXPECT_EQ(camera->GetCameraImageMode(), 0);
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_UP_SIZE), "12.500000");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_DOWN_SIZE), "-12.500000");
     // 128.0 / 3200
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_CONTOUR_SPACER), "0.040000");
     EXPECT_EQ(DeviceValue("CenterImageY"), "Off");
-}
+    EXPECT_EQ(camera->GetCameraImageMode(), 0);
 
-TEST_F(LPCameraTest, ImageModesRoundTripThroughTheSwitches)
-{
-    LPCamera* camera = OpenedCamera();
     const std::vector<std::pair<int, std::string>> expectedSwitches = {{1, "1010"}, {2, "1011"}, {0, "1100"}};
-
     for (const auto& [mode, switches] : expectedSwitches) {
         ASSERT_EQ(camera->SetCameraImageMode(mode), 0);
         EXPECT_EQ(Switches(), switches);
-        EXPECT_EQ(camera->GetCameraImageMode(), mode);
         ASSERT_EQ(camera->SetCameraImageMode(7), -1);
         camera->GetGrabMode();
         EXPECT_EQ(camera->GetCameraImageMode(), mode);
     }
-
     EXPECT_EQ(camera->SetCameraImageMode(3), -1);
     EXPECT_EQ(camera->GetCameraImageMode(), 3);
     EXPECT_EQ(Switches(), "1100");
@@ -144,10 +110,8 @@ TEST_F(LPCameraTest, ImageModesRoundTripThroughTheSwitches)
 
 TEST_F(LPCameraTest, RefusedSwitchWriteLeavesTheModeUnchanged)
 {
-    LPCamera* camera = OpenedCamera(ProfileDevice(
-        ProfileXmlWith("Integer", "EnableCalibration",
-                       IntegerFeature("EnableCalibration", "0", "0", "<ImposedAccessMode>RO</ImposedAccessMode>"))));
-    ASSERT_EQ(camera->GetCameraImageMode(), 0);
+    LPCamera* camera = OpenedCamera(ProfileXmlWith(
+        "EnableCalibration", IntegerFeature("EnableCalibration", "0", "<ImposedAccessMode>RO</ImposedAccessMode>")));
 
     EXPECT_NE(camera->SetCameraImageMode(1), 0);
     EXPECT_EQ(camera->GetCameraImageMode(), 0);
@@ -158,58 +122,57 @@ TEST_F(LPCameraTest, RefusedSwitchWriteLeavesTheModeUnchanged)
 
 TEST_F(LPCameraTest, BooleanSwitchesAreUnderstood)
 {
-    std::string xml = Scripted::ProfileCameraXml();
-    const std::map<std::string, std::string> values = {
-        {"EnableExtraction", "1"}, {"EnableImage", "0"}, {"EnableCalibration", "1"}, {"BatchEnable", "1"}};
-    for (const auto& [name, value] : values) {
-        xml = WithFeatureReplaced(xml, "Integer", name,
-                                  "<Boolean Name=\"" + name + "\" NameSpace=\"Custom\"><Value>" + value +
-                                      "</Value><OnValue>1</OnValue><OffValue>0</OffValue></Boolean>");
-    }
-    LPCamera* camera = OpenedCamera(ProfileDevice(xml));
+    LPCamera* camera = OpenedCamera(ProfileXmlWith(
+        "BatchEnable", "<Boolean Name=\"BatchEnable\" NameSpace=\"Custom\"><Value>1</Value><OnValue>1</OnValue>"
+                       "<OffValue>0</OffValue></Boolean>"));
     ASSERT_EQ(DeviceValue("BatchEnable"), "True");
-
-    EXPECT_EQ(camera->GetCameraImageMode(), 2);
     ASSERT_EQ(camera->SetCameraImageMode(1), 0);
-    EXPECT_EQ(Switches(), "TrueFalseTrueFalse");
+    ASSERT_EQ(DeviceValue("BatchEnable"), "False");
+    ASSERT_EQ(camera->SetCameraImageMode(2), 0);
     camera->GetGrabMode();
-    EXPECT_EQ(camera->GetCameraImageMode(), 1);
+    EXPECT_EQ(camera->GetCameraImageMode(), 2);
 }
 
-TEST_F(LPCameraTest, BatchFramesCountTheirProfilesByDepth)
+// Per image mode, depth and chunks: the profiles two frames count for, and whether the gap
+// between their ids is reported.
+struct ProfileCountCase {
+    int mode;
+    const char* depth;
+    std::vector<uint64_t> chunks;
+    uint64_t profiles;
+    std::size_t gapLines;
+};
+
+class ProfileCountTest : public LPCameraTest, public ::testing::WithParamInterface<ProfileCountCase> {};
+
+// The profile devices' -12 is a timeout like -11; a failed read counts as an error only.
+TEST_P(ProfileCountTest, FramesCountTheirProfilesAndOnlyFailuresAreErrors)
 {
     LPCamera* camera = OpenedCamera();
-    ASSERT_EQ(camera->SetCameraImageMode(2), 0);
-    auto fiveBatches = [] {
-        FrameScript script = FrameScript::Empty();
-        for (uint64_t id = 1; id <= 5; ++id)
-            script.Add(ProfileFrame(id, {64, 64000}));
-        return script.Then(WhenExhausted::KeepTimingOut);
-    };
+    ASSERT_EQ(camera->SetCameraImageMode(GetParam().mode), 0);
+    ASSERT_EQ(camera->SetNodeValue("DepthDataType", GetParam().depth, true), 0);
+    const FrameScript script = FrameScript::Empty()
+                                   .Add(ProfileFrame(1, GetParam().chunks))
+                                   .Add(FrameStep::Code(-12))
+                                   .Add(FrameStep::Code(-11))
+                                   .Add(FrameStep::Code(-5))
+                                   .Add(ProfileFrame(3, GetParam().chunks));
 
-    // 64 000 bytes are 10 profiles of 16 bits or 5 of 32 bits.
-    EXPECT_EQ(FramesAfterScript(camera, fiveBatches(), 5), 50u);
-    SetDeviceValue("DepthDataType", "Depth32");
-    EXPECT_EQ(FramesAfterScript(camera, fiveBatches(), 5), 25u);
+    EXPECT_EQ(FramesAfterScript(camera, script, 5), GetParam().profiles);
+    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_ERROR_COUNT), "1");
+    EXPECT_TRUE(log.Contains("Error", "Failed to get image, errorcode = -5, frameId = 1"));
+    EXPECT_EQ(log.Count("The frame id increment wrong, pre id = 1, current id = 3"), GetParam().gapLines);
     EXPECT_EQ(device->Counters().ImagesOutstanding(), 0u);
 }
 
-TEST_F(LPCameraTest, FramesWithFewerThanTwoChunksCarryNoProfile)
-{
-    LPCamera* camera = OpenedCamera();
-    auto frames = [](std::vector<uint64_t> chunks) {
-        return FrameScript::Empty()
-            .Add(ProfileFrame(1, chunks))
-            .Add(ProfileFrame(2, chunks))
-            .Then(WhenExhausted::KeepTimingOut);
-    };
-
-    ASSERT_EQ(camera->SetCameraImageMode(1), 0);
-    EXPECT_EQ(FramesAfterScript(camera, frames({6400, 6400}), 2), 2u);
-    EXPECT_EQ(FramesAfterScript(camera, frames({6400}), 2), 0u);
-    ASSERT_EQ(camera->SetCameraImageMode(2), 0);
-    EXPECT_EQ(FramesAfterScript(camera, frames({}), 2), 0u);
-}
+// 64 000 bytes are 10 profiles of 16 bits or 5 of 32 bits; a profile frame needs two chunks.
+INSTANTIATE_TEST_SUITE_P(ModesAndDepths, ProfileCountTest,
+                         ::testing::Values(ProfileCountCase{0, "Depth16", {}, 2, 1},
+                                           ProfileCountCase{2, "Depth16", {64, 64000}, 20, 1},
+                                           ProfileCountCase{2, "Depth32", {64, 64000}, 10, 1},
+                                           ProfileCountCase{2, "Depth16", {}, 0, 1},
+                                           ProfileCountCase{1, "Depth16", {6400, 6400}, 2, 0},
+                                           ProfileCountCase{1, "Depth16", {6400}, 0, 0}));
 
 TEST_F(LPCameraTest, LimitedBatchAcquisitionStopsAfterItsFrames)
 {
@@ -223,7 +186,7 @@ TEST_F(LPCameraTest, LimitedBatchAcquisitionStopsAfterItsFrames)
         script.Add(ProfileFrame(id, {64, 640000}));
     device->SetFrameScript(script.Then(WhenExhausted::KeepTimingOut));
 
-    ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
+    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
 
     ASSERT_TRUE(WaitUntil([&] { return log.Contains("Info", "Stop grab image..."); }));
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_GRABBING), "0");
@@ -232,18 +195,16 @@ TEST_F(LPCameraTest, LimitedBatchAcquisitionStopsAfterItsFrames)
     // The switch is reset once the grab thread is parked again.
     EXPECT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_ACQ_LIMIT) == "0"; }));
     EXPECT_TRUE(WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
-    EXPECT_EQ(device->Counters().doubleReleases, 0u);
 }
 
 TEST_F(LPCameraTest, ZeroBatchNumberStopsALimitedAcquisitionAtOnce)
 {
-    LPCamera* camera =
-        OpenedCamera(ProfileDevice(ProfileXmlWith("Integer", "BatchNumber", IntegerFeature("BatchNumber", "0", "0"))));
+    LPCamera* camera = OpenedCamera(ProfileXmlWith("BatchNumber", IntegerFeature("BatchNumber", "0")));
     ASSERT_EQ(camera->SetCameraImageMode(2), 0);
     ASSERT_EQ(camera->SetInfo(ViewerBiz3::CAM_ACQ_LIMIT, "1"), 0);
     device->SetFrameScript(FrameScript::Empty().Add(ProfileFrame(1, {64, 6400})).Period(5ms));
 
-    ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
+    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
 
     ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_GRABBING) == "0"; }));
     EXPECT_TRUE(WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
@@ -252,87 +213,19 @@ TEST_F(LPCameraTest, ZeroBatchNumberStopsALimitedAcquisitionAtOnce)
 TEST_F(LPCameraTest, DeliveryCarriesModeAndScaler)
 {
     LPCamera* camera = OpenedCamera();
-    SetDeviceValue("Scaler", "1000");
-    SetDeviceValue("OffsetY", "12");
-    device->SetFrameScript(FrameScript().Period(10ms));
-
-    ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
-    ASSERT_TRUE(WaitUntil([&] { return host.ImagesWithPicture() >= 2; }));
-    ASSERT_EQ(camera->StopGrab(false), 0);
-
-    ASSERT_TRUE(WaitUntil([&] { return !host.Images().back().withImage; }));
-    const auto images = host.Images();
-    EXPECT_EQ(images.front().extra1, 0);
-    EXPECT_EQ(images.front().extra2, 1000);
-    EXPECT_EQ(images.back().extra1, 0);
-    EXPECT_EQ(images.back().extra2, 0);
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_OFFSET_Y), "12");
-}
-
-TEST_F(LPCameraTest, OfflineCameraReleasesInsteadOfDelivering)
-{
-    LPCamera* camera = OpenedCamera();
-    camera->SetOnline(false);
+    ASSERT_EQ(camera->SetNodeValue("Scaler", "1000", true), 0);
+    ASSERT_EQ(camera->SetNodeValue("OffsetY", "12", true), 0);
     device->SetFrameScript(FrameScript().Period(5ms));
 
-    ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
-    ASSERT_TRUE(device->WaitUntil([](const auto& c) { return c.imagesReleased >= 10; }));
+    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
+    ASSERT_TRUE(WaitUntil([&] { return host.ImagesWithPicture() >= 2; }));
     ASSERT_EQ(camera->StopGrab(false), 0);
-
-    EXPECT_EQ(host.ImagesWithPicture(), 0u);
-    EXPECT_EQ(device->Counters().ImagesOutstanding(), 0u);
-    EXPECT_EQ(device->Counters().doubleReleases, 0u);
-}
-
-TEST_F(LPCameraTest, TimeoutCodesAreNotErrorsButFailuresAre)
-{
-    LPCamera* camera = OpenedCamera();
-    device->SetFrameScript(FrameScript::Empty()
-                               .AddFrames(1, 2, 3200, 1, Scripted::PFNC_COORD3D_C16)
-                               .Add(FrameStep::Code(-12))
-                               .Add(FrameStep::Code(-11))
-                               .Add(FrameStep::Code(-5))
-                               .AddFrames(5, 1, 3200, 1, Scripted::PFNC_COORD3D_C16)
-                               .Then(WhenExhausted::KeepTimingOut));
-
-    ASSERT_EQ(camera->StartGrab(0, 4294967295ull), 0);
-    ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_FRAME_COUNT) == "3"; }));
-    ASSERT_EQ(camera->StopGrab(false), 0);
-
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_ERROR_COUNT), "1");
-    EXPECT_TRUE(log.Contains("Error", "Failed to get image, errorcode = -5, frameId = 2"));
-    EXPECT_TRUE(log.Contains("Info", "The frame id increment wrong, pre id = 2, current id = 5"));
-}
-
-TEST_F(LPCameraTest, SingleProfileModeSkipsTheFrameIdCheck)
-{
-    LPCamera* camera = OpenedCamera();
-    ASSERT_EQ(camera->SetCameraImageMode(1), 0);
-    EXPECT_EQ(FramesAfterScript(camera,
-                                FrameScript::Empty()
-                                    .Add(ProfileFrame(1, {64, 6400}))
-                                    .Add(ProfileFrame(9, {64, 6400}))
-                                    .Then(WhenExhausted::KeepTimingOut),
-                                2),
-              2u);
-    EXPECT_EQ(log.Count("The frame id increment wrong"), 0u);
-}
-
-TEST_F(LPCameraTest, UpgradeIsNotSupported)
-{
-    LPCamera camera(nullptr);
-    int progress = -1;
-    bool done = false;
-
-    EXPECT_EQ(camera.FirmwareUpgrade("/tmp/firmware.bin", &progress, &done), -1);
-    EXPECT_EQ(camera.CameraUpgrade("/tmp/firmware.bin", 0), -1);
-    EXPECT_EQ(ExtractArchive("/tmp/a.zip", "/tmp/a"), 0);
-
-    camera.updateProgressValue(3, 4);
-    EXPECT_EQ(progress, 75);
-    camera.updateProgressValue(1, 0);
-    EXPECT_EQ(progress, 75);
-    EXPECT_FALSE(done);
+    ASSERT_TRUE(WaitUntil([&] { return !host.Recorded().images.back().withImage; }));
+    const auto images = host.Recorded().images;
+    EXPECT_EQ(images.front().extra1, 0);
+    EXPECT_EQ(images.front().extra2, 1000);
+    EXPECT_EQ(images.back().extra2, 0);
+    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_OFFSET_Y), "12");
 }
 
 } // namespace

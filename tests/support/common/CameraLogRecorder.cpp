@@ -12,16 +12,10 @@ CameraLogRecorder::~CameraLogRecorder()
     m_event.UnRegisterLoggerUpdateListener(this);
 }
 
-void CameraLogRecorder::OnLoggerUpdate(std::string source, std::string level, std::string message)
+void CameraLogRecorder::OnLoggerUpdate(std::string, std::string level, std::string message)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    m_lines.push_back({std::move(source), std::move(level), std::move(message)});
-}
-
-std::vector<CameraLogRecorder::Line> CameraLogRecorder::Lines() const
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_lines;
+    m_lines.push_back({std::move(level), std::move(message)});
 }
 
 std::size_t CameraLogRecorder::Count(const std::string& messagePrefix) const

@@ -9,12 +9,6 @@
 
 class CameraLogRecorder final : public ViewerBiz3::ILoggerUpdate {
 public:
-    struct Line {
-        std::string source;
-        std::string level;
-        std::string message;
-    };
-
     // Registers with the process's event manager; unregisters when destroyed.
     CameraLogRecorder();
     ~CameraLogRecorder() override;
@@ -23,12 +17,16 @@ public:
 
     void OnLoggerUpdate(std::string source, std::string level, std::string message) override;
 
-    std::vector<Line> Lines() const;
-    // Lines whose message starts with the prefix.
+    // Lines whose message starts with the prefix (all lines for "").
     std::size_t Count(const std::string& messagePrefix) const;
     bool Contains(const std::string& level, const std::string& message) const;
 
 private:
+    struct Line {
+        std::string level;
+        std::string message;
+    };
+
     mutable std::mutex m_mutex;
     std::vector<Line> m_lines;
 };

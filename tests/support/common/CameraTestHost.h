@@ -3,15 +3,17 @@
 // RemoveOpenedCamera. Images are released as a host would, optionally after holding them.
 #pragma once
 
+#include <atomic>
 #include <chrono>
-#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "camera/Camera.h"
 #include "camera/CameraHost.h"
+#include "support/common/CameraHandles.h"
 
 class CameraTestHost final : public CameraHost {
 public:
@@ -32,6 +34,15 @@ public:
         // What the named camera, if the host owns it, tells a list built now.
         std::string available;
     };
+    // Everything the cameras told the host so far.
+    struct Record {
+        std::vector<ImageEvent> images;
+        std::vector<StatisticEvent> statistics;
+        std::vector<DeviceListEvent> deviceLists;
+        std::vector<std::string> removed;
+        std::vector<Camera*> addedCLCameras;
+        std::vector<int> refreshes;
+    };
 
     // Registers itself as the process's camera host.
     CameraTestHost();
@@ -40,48 +51,45 @@ public:
     CameraTestHost(const CameraTestHost&) = delete;
     CameraTestHost& operator=(const CameraTestHost&) = delete;
 
-    // The host owns the camera from now on, under the camera's key.
-    template <typename CameraType>
-    CameraType* Adopt(std::unique_ptr<CameraType> camera)
+    // A camera on the scripted device with this serial number, named and keyed as discovery
+    // leaves it; the host owns it from now on.
+    template <typename CameraType = Camera>
+    CameraType* AddCamera(const std::string& serialNumber, const std::string& key, const std::string& listKey = "")
     {
+        auto camera = std::make_unique<CameraType>(CreateCameraHandle(~0ull, serialNumber));
+        camera->SetName(key);
+        camera->SetKey(key);
+        camera->SetListKey(listKey);
         CameraType* raw = camera.get();
-        AdoptCamera(std::unique_ptr<Camera>(camera.release()));
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_cameras[key] = std::move(camera);
         return raw;
     }
-    bool Owns(const std::string& key) const;
 
     // Each received image is kept this long before it is released (a slow listener).
-    void SetImageHoldTime(std::chrono::milliseconds holdTime);
-    // Runs on the notifying thread for every received image, before it is released.
-    void SetImageObserver(std::function<void(ZYLGENICAM::IImage*)> observer);
+    void SetImageHoldTime(std::chrono::milliseconds holdTime) { m_holdTime.store(holdTime); }
 
-    std::vector<ImageEvent> Images() const;
+    Record Recorded() const;
     std::size_t ImagesWithPicture() const;
-    std::vector<StatisticEvent> Statistics() const;
-    std::vector<DeviceListEvent> DeviceLists() const;
-    std::vector<std::string> Removed() const;
-    std::vector<Camera*> AddedCLCameras() const;
-    std::vector<int> Refreshes() const;
 
     std::size_t NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
-    void NotifyAcqStatisticUpdate(std::string key, bool flag) override;
+    void NotifyAcqStatisticUpdate(std::string key, bool flag) override { Append(m_record.statistics, {key, flag}); }
     void NotifyDeviceListUpdate(std::string listKey, std::string key) override;
-    void NotifyDeviceListUpdate() override;
+    void NotifyDeviceListUpdate() override { Append(m_record.deviceLists, {"", "", false, ""}); }
     void RemoveOpenedCamera(std::string key) override;
-    void AddCLCamera(Camera* camera) override;
+    void AddCLCamera(Camera* camera) override { Append(m_record.addedCLCameras, camera); }
     int RefreshDeviceList(int types) override;
 
 private:
-    void AdoptCamera(std::unique_ptr<Camera> camera);
+    template <typename Event>
+    void Append(std::vector<Event>& events, typename std::vector<Event>::value_type event)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        events.push_back(std::move(event));
+    }
 
     mutable std::mutex m_mutex;
     std::map<std::string, std::unique_ptr<Camera>> m_cameras;
-    std::chrono::milliseconds m_holdTime{0};
-    std::function<void(ZYLGENICAM::IImage*)> m_imageObserver;
-    std::vector<ImageEvent> m_images;
-    std::vector<StatisticEvent> m_statistics;
-    std::vector<DeviceListEvent> m_deviceLists;
-    std::vector<std::string> m_removed;
-    std::vector<Camera*> m_addedCLCameras;
-    std::vector<int> m_refreshes;
+    std::atomic<std::chrono::milliseconds> m_holdTime{std::chrono::milliseconds(0)};
+    Record m_record;
 };
