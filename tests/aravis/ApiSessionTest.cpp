@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -32,15 +31,14 @@ constexpr int SimulatedTransport = 8;
 
 // What a viewer keeps of the library's events. Every frame is released at once, as the interface
 // requires.
-class SessionHost : public IDeviceListUpdate, public IImageUpdate, public IAcqStatisticUpdate {
-public:
+struct SessionHost : IDeviceListUpdate, IImageUpdate, IAcqStatisticUpdate {
     void OnDeviceListUpdate(int kind, std::vector<std::string>, std::vector<std::string> cameras) override
     {
-        std::lock_guard<std::mutex> lock(m_mutex);
+        singleUpdates += kind != 0 ? 1 : 0;
         if (kind == 0) {
-            m_cameras = std::move(cameras);
-        } else {
-            ++singleUpdates;
+            areaEntries = std::count_if(cameras.begin(), cameras.end(), [](const std::string& id) {
+                return id.find("SIM-AREA-01") != std::string::npos;
+            });
         }
     }
 
@@ -49,15 +47,14 @@ public:
         ++calls;
         callsAfterShowModeClosed += (showModeClosed.load() && key == ShowModeCamera) ? 1 : 0;
         auto* frame = static_cast<ZYLGENICAM::IImage*>(image);
-        if (frame == nullptr) {
-            return;
-        }
-        if (key == AreaCamera && frame->IsValid() && frame->GetData() != nullptr &&
+        if (frame != nullptr && key == AreaCamera && frame->IsValid() && frame->GetData() != nullptr &&
             frame->GetDataSize() >= frame->GetWidth() * frame->GetHeight()) {
             ++areaFrames;
             fullWidthAreaFrames += frame->GetWidth() == 640 ? 1 : 0;
         }
-        frame->Release();
+        if (frame != nullptr) {
+            frame->Release();
+        }
     }
 
     void OnAcqStatisticUpdate(std::string name, bool fromSetInfo) override
@@ -65,23 +62,14 @@ public:
         statisticsFromGrab += (name == AreaCamera && !fromSetInfo) ? 1 : 0;
     }
 
-    std::vector<std::string> Cameras() const
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return m_cameras;
-    }
-
     std::atomic<int> singleUpdates{0};
+    std::atomic<long> areaEntries{0};
     std::atomic<int> statisticsFromGrab{0};
     std::atomic<std::uint64_t> calls{0};
     std::atomic<int> areaFrames{0};
     std::atomic<int> fullWidthAreaFrames{0};
     std::atomic<bool> showModeClosed{false};
     std::atomic<int> callsAfterShowModeClosed{0};
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<std::string> m_cameras;
 };
 
 class ApiSession : public ::testing::Test {
@@ -134,9 +122,7 @@ TEST_F(ApiSession, AHostListsOpensConfiguresGrabsRenamesAndClosesTheAreaCamera)
     EXPECT_EQ(0, GetCameraNodeValue(AreaCamera, "Width", width));
     EXPECT_EQ("320", width);
     EXPECT_EQ(-4, GetCameraNodeValue(AreaCamera, "NoSuchFeature", width));
-    const char* description = GetAttrLayoutXML(FOCUS_CAMERA_FEATURES, AreaCamera);
-    ASSERT_NE(nullptr, description);
-    EXPECT_THAT(std::string(description), HasSubstr("RegisterDescription"));
+    EXPECT_THAT(GetAttrLayoutXML(FOCUS_CAMERA_FEATURES, AreaCamera), HasSubstr("RegisterDescription"));
     EXPECT_NE(nullptr, GetAttrNodeMap(FOCUS_CAMERA_FEATURES, AreaCamera, NODEMAP_MODULE3));
 
     // Image and statistics listeners go in before the grab and out after it.
@@ -154,9 +140,7 @@ TEST_F(ApiSession, AHostListsOpensConfiguresGrabsRenamesAndClosesTheAreaCamera)
     ASSERT_EQ(0, SetCameraNodeValue(AreaCamera, "DeviceUserID", "Renamed"));
     ASSERT_EQ(0, RefreshCameraList(SimulatedTransport));
     EXPECT_TRUE(WaitUntil([] { return GetCameraInfo(AreaCamera, CAM_NAME) == "Renamed(SIM-AREA-01)"; }));
-    const std::vector<std::string> cameras = host.Cameras();
-    EXPECT_EQ(1, std::count_if(cameras.begin(), cameras.end(),
-                               [](const std::string& id) { return id.find("SIM-AREA-01") != std::string::npos; }));
+    EXPECT_EQ(1, host.areaEntries.load());
 
     EXPECT_EQ(0, CloseCamera(AreaCamera));
     EXPECT_THAT(GetOpenedCameraIds(), IsEmpty());

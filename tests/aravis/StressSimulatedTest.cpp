@@ -1,7 +1,6 @@
-// Several host threads call the exported functions at random on the three simulated cameras
-// (transport 8 only: nothing goes on a network). VB3_STRESS_SECONDS sets the duration (default
-// 10 s, so that the plain and two sanitizer CI runs stay within budget); VB3_STRESS_SEED replays a
-// run.
+// Host threads call the exported functions at random on the three simulated cameras (transport 8
+// only: nothing goes on a network); 10 s by default, so that the plain and two sanitizer CI runs
+// stay within budget.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

@@ -1,8 +1,7 @@
-// Several host threads call the exported functions at random on scripted cameras while a fault
-// thread makes cameras vanish (device lost, then back with a fresh device under the same serial
-// number). Afterwards every frame the SDK handed out was released once and every handle was
-// closed and destroyed. VB3_STRESS_SECONDS sets the duration (default 20 s, so that the plain and
-// two sanitizer CI runs stay within budget); VB3_STRESS_SEED replays a run.
+// Host threads call the exported functions at random on scripted cameras while a fault thread makes
+// cameras vanish (lost, then back as a fresh device under the same serial number). Afterwards every
+// frame the SDK handed out was released once and every handle was closed and destroyed. 20 s by
+// default, so that the plain and two sanitizer CI runs stay within budget.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -9,7 +9,6 @@
 #include <random>
 #include <thread>
 
-#include "ZylImage.h"
 #include "log/Log.h"
 #include "support/common/ProcessThreads.h"
 #include "support/common/TextFile.h"
@@ -95,16 +94,15 @@ struct StressOperation {
 };
 
 // Runs `workers` threads, each with its own generator seeded from `seed`, calling operations picked
-// by weight until `duration` has passed; returns the number of calls.
-std::uint64_t RunWorkers(std::size_t workers, std::uint32_t seed, std::chrono::seconds duration,
-                         const std::vector<StressOperation>& operations)
+// by weight until `duration` has passed.
+void RunWorkers(std::size_t workers, std::uint32_t seed, std::chrono::seconds duration,
+                const std::vector<StressOperation>& operations)
 {
     std::vector<double> weights;
     for (const StressOperation& operation : operations) {
         weights.push_back(operation.weight);
     }
     std::vector<std::atomic<const char*>> current(workers);
-    std::atomic<std::uint64_t> calls{0};
     std::atomic<std::size_t> finished{0};
     const auto deadline = std::chrono::steady_clock::now() + duration;
     std::vector<std::thread> threads;
@@ -117,7 +115,6 @@ std::uint64_t RunWorkers(std::size_t workers, std::uint32_t seed, std::chrono::s
                 const StressOperation& operation = operations[pick(random)];
                 current[index].store(operation.name);
                 operation.run(random);
-                ++calls;
             }
             ++finished;
         });
@@ -132,25 +129,9 @@ std::uint64_t RunWorkers(std::size_t workers, std::uint32_t seed, std::chrono::s
     for (std::thread& thread : threads) {
         thread.join();
     }
-    return calls.load();
 }
 
 } // namespace
-
-void StressListener::OnLoggerUpdate(std::string, std::string, std::string message)
-{
-    if (message == "Camera is lost.") {
-        ++lossLines;
-    }
-}
-
-void StressImageSink::OnImageUpdate(std::string, void* image, int, int)
-{
-    if (image != nullptr) {
-        ++frames;
-        static_cast<ZYLGENICAM::IImage*>(image)->Release();
-    }
-}
 
 StressSession::StressSession(StressScene scene) : m_scene(std::move(scene))
 {
@@ -265,5 +246,5 @@ void StressSession::Run(std::size_t threads, std::uint32_t seed, std::chrono::se
              VLogInfo("stress", "host line", static_cast<int>(r() % 2));
          }},
     };
-    EXPECT_GT(RunWorkers(threads, seed, duration, operations), 0u);
+    RunWorkers(threads, seed, duration, operations);
 }

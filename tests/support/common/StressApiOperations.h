@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "ViewerBiz3.h"
+#include "ZylImage.h"
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/StressRun.h"
 #include "support/common/TempDirectory.h"
@@ -38,19 +39,28 @@ public:
     void OnImageModeUpdate(std::string, int) override {}
     void OnSLImageShowModeUpdate(std::string, int) override {}
     void OnImportUpdate(std::string) override {}
-    void OnLoggerUpdate(std::string, std::string, std::string message) override;
+    void OnLoggerUpdate(std::string, std::string, std::string message) override
+    {
+        lossLines += message == "Camera is lost." ? 1 : 0;
+    }
     void OnROIDrawUpdate(std::string, int, int, int, int, int, int&, bool&, int, int) override {}
     void OnCorrectionUpdate(std::string, int, float, void*) override {}
     void OnLangUpdate(std::string) override {}
     void OnCameraIdUpdate(std::string, std::string) override {}
 
-    std::atomic<std::uint64_t> lossLines{0}; // "Camera is lost."
+    std::atomic<std::uint64_t> lossLines{0};
 };
 
 // Releases every frame at once, as a viewer does after drawing it.
 class StressImageSink final : public ViewerBiz3::IImageUpdate, public ViewerBiz3::IAcqStatisticUpdate {
 public:
-    void OnImageUpdate(std::string cameraKey, void* image, int extra1, int extra2) override;
+    void OnImageUpdate(std::string, void* image, int, int) override
+    {
+        if (image != nullptr) {
+            ++frames;
+            static_cast<ZYLGENICAM::IImage*>(image)->Release();
+        }
+    }
     void OnAcqStatisticUpdate(std::string, bool) override {}
 
     std::atomic<std::uint64_t> frames{0};

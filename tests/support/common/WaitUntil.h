@@ -6,10 +6,9 @@
 #include <functional>
 #include <thread>
 
-inline constexpr std::chrono::milliseconds DEFAULT_WAIT{20000};
-
 // False when the deadline passed first.
-inline bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout = DEFAULT_WAIT)
+inline bool WaitUntil(const std::function<bool()>& condition,
+                      std::chrono::milliseconds timeout = std::chrono::seconds(20))
 {
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     while (!condition()) {
