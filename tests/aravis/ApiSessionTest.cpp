@@ -110,6 +110,7 @@ TEST_F(ApiSession, AHostListsOpensConfiguresGrabsRenamesAndClosesTheAreaCamera)
     WriteTextFile(SettingsFile(), "[User]\nImageFileSavePrefix = OLD\n");
     StartAndListCameras();
     EXPECT_EQ("OLD", GetParamterInfo(PARAM_IMAGE_FILE_SAVE_PREFIX)) << "Init reloads the settings";
+    EXPECT_EQ(AreaCamera, GetCameraInfo(AreaCamera, CAM_NAME)) << "listed under its user name";
     EXPECT_EQ("0", GetCameraInfo(AreaCamera, CAM_KIND));
 
     ASSERT_EQ(0, OpenCamera(AreaCamera));
