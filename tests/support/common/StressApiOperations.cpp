@@ -2,16 +2,23 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
+#include <random>
+#include <thread>
 
-#include "ZylImage.h"
+#include "log/Log.h"
+#include "support/common/ProcessThreads.h"
+#include "support/common/TextFile.h"
+#include "support/common/WaitUntil.h"
 
 using namespace ViewerBiz3;
 
 namespace {
+
+using Call = std::function<void(std::mt19937& random)>;
 
 template <typename Item>
 const Item& PickFrom(const std::vector<Item>& items, std::mt19937& random)
@@ -24,78 +31,54 @@ int PickNumber(std::mt19937& random, int low, int high)
     return std::uniform_int_distribution<int>(low, high)(random);
 }
 
-// One entry per list of StressListener: (register, unregister).
-std::vector<std::pair<std::function<int(StressListener&)>, std::function<int(StressListener&)>>> ListenerLists()
+// Lets the call through at most once a period over all threads; otherwise the host just asks for
+// the open cameras.
+Call Throttled(std::chrono::milliseconds period, Call call)
 {
-    return {
-        {[](StressListener& l) { return RegisterTLTypeUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterTLTypeUpdateListerner(&l); }},
-        {[](StressListener& l) { return RegisterDeviceListUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterDeviceListUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterFocusUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterFocusUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterLayoutUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterLayoutUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterImageModeUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterImageModeUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterSLImageShowModeUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterSLImageShowModeUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterImportUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterImportUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterLoggerUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterLoggerUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterROIUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterROIUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterCorrectionUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterCorrectionUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterLangUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterLangUpdateListener(&l); }},
-        {[](StressListener& l) { return RegisterCameraIdUpdateListener(&l); },
-         [](StressListener& l) { return UnRegisterCameraIdUpdateListener(&l); }},
+    auto last = std::make_shared<std::atomic<std::chrono::steady_clock::rep>>(0);
+    const auto ticks = std::chrono::duration_cast<std::chrono::steady_clock::duration>(period).count();
+    return [=](std::mt19937& random) {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+        auto previous = last->load();
+        if (now - previous >= ticks && last->compare_exchange_strong(previous, now)) {
+            call(random);
+        } else {
+            GetOpenedCameraIds();
+        }
     };
 }
 
-// Lets a call through at most once per period, over all threads.
-class CallThrottle {
-public:
-    explicit CallThrottle(std::chrono::milliseconds period) : m_period(period) {}
-    bool Due()
-    {
-        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-        auto last = m_last.load();
-        const auto period = std::chrono::duration_cast<std::chrono::steady_clock::duration>(m_period).count();
-        return now - last >= period && m_last.compare_exchange_strong(last, now);
-    }
+// One list of StressListener: register, unregister.
+using ListenerList = std::pair<std::function<int(StressListener&)>, std::function<int(StressListener&)>>;
 
-private:
-    std::chrono::milliseconds m_period;
-    std::atomic<std::chrono::steady_clock::rep> m_last{0};
-};
-
-std::shared_ptr<CallThrottle> Throttle(std::chrono::milliseconds period)
+template <typename Interface>
+ListenerList List(int (*add)(Interface*), int (*remove)(Interface*))
 {
-    return std::make_shared<CallThrottle>(period);
+    return {[add](StressListener& listener) { return add(&listener); },
+            [remove](StressListener& listener) { return remove(&listener); }};
 }
 
-} // namespace
-
-void StressListener::OnLoggerUpdate(std::string, std::string, std::string message)
+const std::vector<ListenerList>& ListenerLists()
 {
-    ++events;
-    if (message == "Camera is lost.") {
-        ++lossLines;
-    }
+    static const std::vector<ListenerList> lists = {
+        List(RegisterTLTypeUpdateListener, UnRegisterTLTypeUpdateListerner),
+        List(RegisterDeviceListUpdateListener, UnRegisterDeviceListUpdateListener),
+        List(RegisterFocusUpdateListener, UnRegisterFocusUpdateListener),
+        List(RegisterLayoutUpdateListener, UnRegisterLayoutUpdateListener),
+        List(RegisterImageModeUpdateListener, UnRegisterImageModeUpdateListener),
+        List(RegisterSLImageShowModeUpdateListener, UnRegisterSLImageShowModeUpdateListener),
+        List(RegisterImportUpdateListener, UnRegisterImportUpdateListener),
+        List(RegisterLoggerUpdateListener, UnRegisterLoggerUpdateListener),
+        List(RegisterROIUpdateListener, UnRegisterROIUpdateListener),
+        List(RegisterCorrectionUpdateListener, UnRegisterCorrectionUpdateListener),
+        List(RegisterLangUpdateListener, UnRegisterLangUpdateListener),
+        List(RegisterCameraIdUpdateListener, UnRegisterCameraIdUpdateListener),
+    };
+    return lists;
 }
 
-void StressImageSink::OnImageUpdate(std::string, void* image, int, int)
-{
-    if (image != nullptr) {
-        ++frames;
-        static_cast<ZYLGENICAM::IImage*>(image)->Release();
-    }
-}
-
-std::vector<std::string> StressAllParameters()
+// Every setting, to compare a session's settings with a reload.
+std::vector<std::string> AllParameters()
 {
     std::vector<std::string> values;
     for (int key = 0; key <= 33; ++key) {
@@ -104,134 +87,157 @@ std::vector<std::string> StressAllParameters()
     return values;
 }
 
-std::vector<std::string> StressCloseAllAndUnInit(StressWatchdog& watchdog)
+struct StressOperation {
+    const char* name;
+    double weight; // relative chance of being picked
+    Call run;
+};
+
+// Runs `workers` threads, each with its own generator seeded from `seed`, calling operations picked
+// by weight until `duration` has passed.
+void RunWorkers(std::size_t workers, std::uint32_t seed, std::chrono::seconds duration,
+                const std::vector<StressOperation>& operations)
 {
-    watchdog.Phase("closing");
+    std::vector<double> weights;
+    for (const StressOperation& operation : operations) {
+        weights.push_back(operation.weight);
+    }
+    std::vector<std::atomic<const char*>> current(workers);
+    std::atomic<std::size_t> finished{0};
+    const auto deadline = std::chrono::steady_clock::now() + duration;
+    std::vector<std::thread> threads;
+    for (std::size_t index = 0; index < workers; ++index) {
+        current[index].store("starting");
+        threads.emplace_back([&, index] {
+            std::mt19937 random(seed + static_cast<std::uint32_t>(index) * 7919u);
+            std::discrete_distribution<std::size_t> pick(weights.begin(), weights.end());
+            while (std::chrono::steady_clock::now() < deadline) {
+                const StressOperation& operation = operations[pick(random)];
+                current[index].store(operation.name);
+                operation.run(random);
+            }
+            ++finished;
+        });
+    }
+    // A deadlock cannot be failed gracefully: the stuck threads hold the library's locks.
+    if (!WaitUntil([&] { return finished.load() == workers; }, duration + std::chrono::seconds(30))) {
+        for (std::size_t index = 0; index < workers; ++index) {
+            std::fprintf(stderr, "stress worker %zu stuck in %s\n", index, current[index].load());
+        }
+        std::abort();
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+} // namespace
+
+StressSession::StressSession(StressScene scene) : m_scene(std::move(scene))
+{
+    WriteTextFile(m_directory.File("Configuration.ini"), "[User]\n");
+    EXPECT_EQ(-1, Init());
+    EXPECT_EQ(0, SetTLTypeList(m_scene.transports));
+    EXPECT_EQ(0, UnInit());
+    WaitForProcessThreadCount(0, std::chrono::seconds(1));
+    m_threadsBefore = ProcessThreadCount();
+
+    EXPECT_EQ(-1, Init());
+    EXPECT_EQ(0, SetTLTypeList(m_scene.transports));
+    m_applicationDirectory.emplace(m_directory.Path());
+    Utilities::StartLogFile(m_directory.Path(), 1 << 20);
+    EXPECT_EQ(0, RefreshCameraList(m_scene.transports));
+    EXPECT_TRUE(WaitUntil([this] { return !GetCameraInfo(m_scene.cameraIds.front(), CAM_NAME).empty(); }));
+    // One registration: the identifier is not kept, the sink hears every camera.
+    EXPECT_EQ(0, RegisterImageUpdateListener("", &m_sink));
+    EXPECT_EQ(0, RegisterAcqStatisticUpdateListener(&m_sink));
+    for (const ListenerList& list : ListenerLists()) {
+        EXPECT_EQ(0, list.first(m_listener));
+    }
+}
+
+void StressSession::Finish()
+{
     for (const std::string& id : GetOpenedCameraIds()) {
         StopGrab(id);
+        // A loss noticed meanwhile drops the camera itself: then it is unknown.
         const int closed = CloseCamera(id);
-        // A loss the watchdog notices meanwhile drops the camera itself: then it is unknown.
-        if (closed != 0) {
-            const std::vector<std::string> stillOpen = GetOpenedCameraIds();
-            EXPECT_EQ(-1, closed) << id;
-            EXPECT_EQ(stillOpen.end(), std::find(stillOpen.begin(), stillOpen.end(), id)) << id;
-        }
+        EXPECT_TRUE(closed == 0 || closed == -1) << id << ": " << closed;
     }
     EXPECT_TRUE(GetOpenedCameraIds().empty());
-    std::vector<std::string> settings = StressAllParameters();
-    watchdog.Phase("UnInit");
+    const std::vector<std::string> settings = AllParameters();
     EXPECT_EQ(0, UnInit());
-    watchdog.Phase("after UnInit");
-    return settings;
+    EXPECT_GT(m_opens.load(), 0u);
+    EXPECT_GT(m_grabs.load(), 0u);
+    EXPECT_GT(m_sink.frames.load(), 0u);
+    EXPECT_TRUE(WaitForProcessThreadCount(m_threadsBefore, std::chrono::seconds(10)))
+        << ProcessThreadCount() << " threads after UnInit, " << m_threadsBefore << " before Init";
+
+    // The settings file reads back as the host left it.
+    ASSERT_EQ(-1, Init());
+    ASSERT_EQ(0, SetTLTypeList(m_scene.transports));
+    m_applicationDirectory.emplace(m_directory.Path());
+    ASSERT_EQ(-1, Init());
+    EXPECT_EQ(settings, AllParameters());
+    EXPECT_EQ(0, UnInit());
 }
 
-void StressRegisterAll(StressListener& listener)
+void StressSession::Run(std::size_t threads, std::uint32_t seed, std::chrono::seconds duration)
 {
-    for (const auto& list : ListenerLists()) {
-        list.first(listener);
-    }
-}
-
-void StressUnRegisterAll(StressListener& listener)
-{
-    for (const auto& list : ListenerLists()) {
-        list.second(listener);
-    }
-}
-
-void StressOutcomes::Print() const
-{
-    std::printf("stress: %llu opens, %llu grab starts and %llu renames succeeded\n",
-                static_cast<unsigned long long>(opens.load()), static_cast<unsigned long long>(grabs.load()),
-                static_cast<unsigned long long>(renames.load()));
-}
-
-std::vector<StressOperation> StressApiOperations(const StressScene& scene, StressListener& listener,
-                                                 StressOutcomes& outcomes)
-{
-    auto id = [&scene](std::mt19937& random) { return PickFrom(scene.cameraIds, random); };
+    auto id = [this](std::mt19937& random) { return PickFrom(m_scene.cameraIds, random); };
     // Closing and stopping happen a few times a second whatever the call rate, so cameras stay
     // open and grabbing for a second or more: long enough to deliver frames and for the
-    // library to notice a loss on its own. Between two, the host just asks for the open cameras.
-    std::vector<StressOperation> operations = {
-        {"RefreshCameraList", [&scene](std::mt19937&) { RefreshCameraList(scene.refreshTypes); }},
-        {"SetTLTypeList", [&scene](std::mt19937&) { SetTLTypeList(scene.transportMask); }},
-        {"OpenCamera", [id, &outcomes](std::mt19937& r) { outcomes.opens += OpenCamera(id(r)) == 0 ? 1 : 0; }, 3},
-        {"CloseCamera",
-         [id, close = Throttle(std::chrono::milliseconds(400))](std::mt19937& r) {
-             if (close->Due()) {
-                 CloseCamera(id(r));
-             } else {
-                 GetOpenedCameraIds();
-             }
+    // library to notice a loss on its own.
+    const std::vector<StressOperation> operations = {
+        {"RefreshCameraList", 1, [this](auto&) { RefreshCameraList(m_scene.transports); }},
+        {"SetTLTypeList", 1, [this](auto&) { SetTLTypeList(m_scene.transports); }},
+        {"OpenCamera", 3, [this, id](auto& r) { m_opens += OpenCamera(id(r)) == 0 ? 1 : 0; }},
+        {"CloseCamera", 1, Throttled(std::chrono::milliseconds(400), [id](auto& r) { CloseCamera(id(r)); })},
+        {"StartGrab", 3, [this, id](auto& r) { m_grabs += StartGrab(id(r)) == 0 ? 1 : 0; }},
+        {"StopGrab", 1, Throttled(std::chrono::milliseconds(250), [id](auto& r) { StopGrab(id(r)); })},
+        {"GetOpenedCameraIds", 1, [](auto&) { GetOpenedCameraIds(); }},
+        {"GetCameraInfo", 1, [id](auto& r) { GetCameraInfo(id(r), CAM_INFO(PickNumber(r, -1, 70))); }},
+        {"SetCameraInfo", 1,
+         [id](auto& r) { SetCameraInfo(id(r), CAM_INFO(PickNumber(r, 40, 43)), std::to_string(r())); }},
+        {"CameraNodeValue", 2,
+         [this, id](auto& r) {
+             const auto& node = PickFrom(m_scene.nodes, r);
+             std::string value = PickFrom(node.second, r);
+             SetCameraNodeValue(id(r), node.first, value);
+             GetCameraNodeValue(id(r), node.first, value);
          }},
-        {"StartGrab", [id, &outcomes](std::mt19937& r) { outcomes.grabs += StartGrab(id(r)) == 0 ? 1 : 0; }, 3},
-        {"StopGrab",
-         [id, stop = Throttle(std::chrono::milliseconds(250))](std::mt19937& r) {
-             if (stop->Due()) {
-                 StopGrab(id(r));
-             } else {
-                 GetOpenedCameraIds();
-             }
+        {"SetFocus", 1, [id](auto& r) { SetFocus(FOCUS_TYPE(PickNumber(r, 0, 4)), id(r)); }},
+        {"ModifyCameraId", 1,
+         [this](auto& r) {
+             const auto& rename = PickFrom(m_scene.renames, r);
+             ModifyCameraId(rename.first, rename.second);
          }},
-        {"GetOpenedCameraIds", [](std::mt19937&) { GetOpenedCameraIds(); }},
-        {"GetCameraInfo",
-         [id](std::mt19937& r) { GetCameraInfo(id(r), static_cast<CAM_INFO>(PickNumber(r, -1, 70))); }},
-        {"SetCameraInfo",
-         [id](std::mt19937& r) {
-             SetCameraInfo(id(r), static_cast<CAM_INFO>(PickNumber(r, 40, 43)), "note " + std::to_string(r() % 100));
-         }},
-        {"GetCameraNodeValue",
-         [id, &scene](std::mt19937& r) {
-             std::string value;
-             GetCameraNodeValue(id(r), PickFrom(scene.nodes, r).name, value);
-         }},
-        {"SetCameraNodeValue",
-         [id, &scene](std::mt19937& r) {
-             const StressNode& node = PickFrom(scene.nodes, r);
-             SetCameraNodeValue(id(r), node.name, PickFrom(node.values, r));
-         }},
-        {"SetFocus", [id](std::mt19937& r) { SetFocus(static_cast<FOCUS_TYPE>(PickNumber(r, 0, 4)), id(r)); }},
-        {"ModifyCameraId",
-         [&scene, &outcomes](std::mt19937& r) {
-             const auto& rename = PickFrom(scene.renames, r);
-             outcomes.renames += ModifyCameraId(rename.first, rename.second) == 0 ? 1 : 0;
-         }},
-        {"CameraImageMode",
-         [id](std::mt19937& r) {
+        {"ImageModes", 2,
+         [id](auto& r) {
              SetCameraImageMode(id(r), PickNumber(r, 0, 2), r() % 2 == 0);
-             GetCameraImageMode(id(r));
-         }},
-        {"SLImageShowMode",
-         [id](std::mt19937& r) {
              SetSLImageShowMode(id(r), PickNumber(r, 0, 3));
+             GetCameraImageMode(id(r));
              GetSLImageShowMode(id(r));
          }},
-        {"SetParamterInfo",
-         [](std::mt19937& r) {
-             SetParamterInfo(static_cast<PARAMETER_INFO>(PickNumber(r, 0, 33)), "value" + std::to_string(r() % 1000));
+        {"ParamterInfo", 2,
+         [](auto& r) {
+             SetParamterInfo(PARAMETER_INFO(PickNumber(r, 0, 33)), "value" + std::to_string(r() % 1000));
+             GetParamterInfo(PARAMETER_INFO(PickNumber(r, 0, 33)));
          }},
-        {"GetParamterInfo",
-         [](std::mt19937& r) { GetParamterInfo(static_cast<PARAMETER_INFO>(PickNumber(r, 0, 33))); }},
-        {"LayoutAndLanguage",
-         [](std::mt19937& r) {
-             SetImgLayout(static_cast<LAYOUT_TYPE>(PickNumber(r, 1, 4)));
+        {"LayoutAndLanguage", 1,
+         [](auto& r) {
+             SetImgLayout(LAYOUT_TYPE(PickNumber(r, 1, 4)));
              SetLang(r() % 2 == 0 ? "en" : "zh");
              GetImgLayout();
              GetLang();
          }},
-        {"RegisterOrUnRegister",
-         [&listener](std::mt19937& r) {
-             static const auto lists = ListenerLists();
-             const auto& list = PickFrom(lists, r);
-             if (r() % 2 == 0) {
-                 list.first(listener);
-             } else {
-                 list.second(listener);
-             }
+        {"RegisterOrUnRegister", 1,
+         [this](auto& r) {
+             const ListenerList& list = PickFrom(ListenerLists(), r);
+             (r() % 2 == 0 ? list.first : list.second)(m_listener);
          }},
-        {"HostRelays",
-         [id](std::mt19937& r) {
+        {"HostRelays", 1,
+         [id](auto& r) {
              int index = 0;
              bool result = false;
              NotifyImportUpdate("import");
@@ -240,5 +246,5 @@ std::vector<StressOperation> StressApiOperations(const StressScene& scene, Stres
              VLogInfo("stress", "host line", static_cast<int>(r() % 2));
          }},
     };
-    return operations;
+    RunWorkers(threads, seed, duration, operations);
 }

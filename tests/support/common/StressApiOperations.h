@@ -1,19 +1,24 @@
-// A host's random calls through the exported functions, for the stress tests,
-// and the listeners such a host keeps. Image and statistics listeners are not
-// among the lists registered at random: those lists are walked without a lock
-// while grabbing, so a host may change them only with every camera stopped.
+// A host's random calls through the exported functions, for the stress tests, and the listeners
+// such a host keeps. Image and statistics listeners are not among the lists registered at random:
+// those lists are walked without a lock while grabbing, so a host may change them only with every
+// camera stopped.
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "ViewerBiz3.h"
+#include "ZylImage.h"
+#include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/StressRun.h"
+#include "support/common/TempDirectory.h"
 
-// Listens on every list a host may change at any time; counts what it hears.
+// Listens on every list a host may change at any time; counts the lost cameras it is told of.
 class StressListener final : public ViewerBiz3::ITLTypeUpdate,
                              public ViewerBiz3::IDeviceListUpdate,
                              public ViewerBiz3::IFocusUpdate,
@@ -27,67 +32,70 @@ class StressListener final : public ViewerBiz3::ITLTypeUpdate,
                              public ViewerBiz3::ILangUpdate,
                              public ViewerBiz3::ICameraIdUpdate {
 public:
-    void OnTLTypeUpdate(unsigned long long) override { ++events; }
-    void OnDeviceListUpdate(int, std::vector<std::string>, std::vector<std::string>) override { ++events; }
-    void OnFocusUpdate(ViewerBiz3::FOCUS_TYPE, std::string) override { ++events; }
-    void OnLayoutUpdate(ViewerBiz3::LAYOUT_TYPE) override { ++events; }
-    void OnImageModeUpdate(std::string, int) override { ++events; }
-    void OnSLImageShowModeUpdate(std::string, int) override { ++events; }
-    void OnImportUpdate(std::string) override { ++events; }
-    void OnLoggerUpdate(std::string source, std::string level, std::string message) override;
-    void OnROIDrawUpdate(std::string, int, int, int, int, int, int&, bool&, int, int) override { ++events; }
-    void OnCorrectionUpdate(std::string, int, float, void*) override { ++events; }
-    void OnLangUpdate(std::string) override { ++events; }
-    void OnCameraIdUpdate(std::string, std::string) override { ++events; }
+    void OnTLTypeUpdate(unsigned long long) override {}
+    void OnDeviceListUpdate(int, std::vector<std::string>, std::vector<std::string>) override {}
+    void OnFocusUpdate(ViewerBiz3::FOCUS_TYPE, std::string) override {}
+    void OnLayoutUpdate(ViewerBiz3::LAYOUT_TYPE) override {}
+    void OnImageModeUpdate(std::string, int) override {}
+    void OnSLImageShowModeUpdate(std::string, int) override {}
+    void OnImportUpdate(std::string) override {}
+    void OnLoggerUpdate(std::string, std::string, std::string message) override
+    {
+        lossLines += message == "Camera is lost." ? 1 : 0;
+    }
+    void OnROIDrawUpdate(std::string, int, int, int, int, int, int&, bool&, int, int) override {}
+    void OnCorrectionUpdate(std::string, int, float, void*) override {}
+    void OnLangUpdate(std::string) override {}
+    void OnCameraIdUpdate(std::string, std::string) override {}
 
-    std::atomic<std::uint64_t> events{0};
-    std::atomic<std::uint64_t> lossLines{0}; // "Camera is lost."
+    std::atomic<std::uint64_t> lossLines{0};
 };
 
 // Releases every frame at once, as a viewer does after drawing it.
 class StressImageSink final : public ViewerBiz3::IImageUpdate, public ViewerBiz3::IAcqStatisticUpdate {
 public:
-    void OnImageUpdate(std::string cameraKey, void* image, int extra1, int extra2) override;
-    void OnAcqStatisticUpdate(std::string, bool) override { ++statistics; }
+    void OnImageUpdate(std::string, void* image, int, int) override
+    {
+        if (image != nullptr) {
+            ++frames;
+            static_cast<ZYLGENICAM::IImage*>(image)->Release();
+        }
+    }
+    void OnAcqStatisticUpdate(std::string, bool) override {}
 
     std::atomic<std::uint64_t> frames{0};
-    std::atomic<std::uint64_t> statistics{0};
-};
-
-struct StressNode {
-    std::string name;
-    std::vector<std::string> values; // written at random
 };
 
 struct StressScene {
-    std::vector<std::string> cameraIds; // the identifiers a host may use (some stale on purpose)
+    // The identifiers a host may use, the first listed from the start (some stale on purpose).
+    std::vector<std::string> cameraIds;
     // Rename pairs: a camera listed under first is renamed to the user name second.
     std::vector<std::pair<std::string, std::string>> renames;
-    std::vector<StressNode> nodes;
-    int refreshTypes = 0;
-    unsigned long long transportMask = 0;
+    // Features and the values written to them at random.
+    std::vector<std::pair<std::string, std::vector<std::string>>> nodes;
+    int transports = 0;
 };
 
-// How often the calls that change a camera's state succeeded.
-struct StressOutcomes {
-    std::atomic<std::uint64_t> opens{0};
-    std::atomic<std::uint64_t> grabs{0};
-    std::atomic<std::uint64_t> renames{0};
-    void Print() const;
+// One stress session of host threads on a scene, from the threads the process had before Init to
+// the settings file read back after UnInit.
+class StressSession {
+public:
+    // One Init and UnInit first, so that runtimes (GLib, sanitizers) start the threads they keep
+    // for the whole process before those are counted. Then Init with the session's own application
+    // directory, list the cameras and register the listeners.
+    explicit StressSession(StressScene scene);
+    // Host threads call the exported functions at random for `duration`.
+    void Run(std::size_t threads, std::uint32_t seed, std::chrono::seconds duration);
+    // Close every camera and UnInit: no thread may be left and the settings must read back the same.
+    void Finish();
+
+private:
+    StressScene m_scene;
+    TempDirectory m_directory;
+    std::optional<ApplicationDirectoryScope> m_applicationDirectory;
+    std::size_t m_threadsBefore = 0;
+    StressListener m_listener;
+    StressImageSink m_sink;
+    std::atomic<std::uint64_t> m_opens{0};
+    std::atomic<std::uint64_t> m_grabs{0};
 };
-
-// Every operation a host may call at any time on `scene`; `listener` is registered and
-// unregistered at random on its lists.
-std::vector<StressOperation> StressApiOperations(const StressScene& scene, StressListener& listener,
-                                                 StressOutcomes& outcomes);
-
-// GetParamterInfo of every setting key, to compare a session's settings with a reload.
-std::vector<std::string> StressAllParameters();
-
-// After the workers: stops and closes every opened camera, then UnInit, each phase told to the
-// watchdog. Returns the settings as the session left them (StressAllParameters before UnInit).
-std::vector<std::string> StressCloseAllAndUnInit(StressWatchdog& watchdog);
-
-// The lists of StressListener that a host may change at any time, registered or removed at once.
-void StressRegisterAll(StressListener& listener);
-void StressUnRegisterAll(StressListener& listener);

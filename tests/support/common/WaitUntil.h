@@ -1,11 +1,20 @@
-// The one way tests wait for something another thread does: poll the condition
-// until it holds or a generous deadline passes (the machine may be busy).
+// The one way tests wait for something another thread does: poll the condition until it holds or
+// a generous deadline passes (the machine may be busy).
 #pragma once
 
 #include <chrono>
 #include <functional>
-
-inline constexpr std::chrono::milliseconds DEFAULT_WAIT{20000};
+#include <thread>
 
 // False when the deadline passed first.
-bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout = DEFAULT_WAIT);
+inline bool WaitUntil(const std::function<bool()>& condition,
+                      std::chrono::milliseconds timeout = std::chrono::seconds(20))
+{
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
