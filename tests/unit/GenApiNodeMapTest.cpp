@@ -200,6 +200,34 @@ TEST(GenApiNodeMapFactory, RefusesDocumentsThatAreNotGenICam)
     EXPECT_THROW(CreateNodeMapForDevice(nullptr), GenICam::LogicalErrorException);
 }
 
+// The viewer's feature grid and the grab thread use one node map at once.
+TEST_F(GenApiNodeMap, SerializesConcurrentUseFromSeveralThreads)
+{
+    std::atomic<int> failures{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&, t]() {
+            for (int i = 0; i < 300; ++i) {
+                try {
+                    CIntegerPtr width = nodeMap->GetNode("Width");
+                    width->SetValue(16 + 8 * ((t * 300 + i) % 100));
+                    (void)width->GetValue(true, true);
+                    CEnumerationPtr(nodeMap->GetNode("PixelFormat"))->FromString(i % 2 == 0 ? "Mono8" : "Mono16");
+                    NodeList_t nodes;
+                    nodeMap->GetNodes(nodes);
+                    (void)nodeMap->GetNode("EnumEntry_AcquisitionMode_SingleFrame")->GetAccessMode();
+                } catch (const GenICam::GenericException&) {
+                    ++failures;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(failures.load(), 0);
+}
+
 // Two cameras opened at once each have their description parsed; neither may lose nodes or crash.
 TEST(GenApiNodeMapFactory, DescriptionsParsedOnSeveralThreadsAtOnceComeOutWhole)
 {
