@@ -26,11 +26,11 @@ public:
     bool IsConnected() override { return Usable(__func__) && !m_device->IsLost(); }
     bool IsGrabbing() override { return Usable(__func__) && m_state.grabbing; }
     ZYLGENICAM::ICameraInfo* GetDeviceInfo() override { return Usable(__func__) ? &m_info : nullptr; }
-    ZYLGENICAM::IModule* GetModule0() override { return Module(0, __func__); }
-    ZYLGENICAM::IModule* GetModule1() override { return Module(1, __func__); }
-    ZYLGENICAM::IModule* GetModule2() override { return Module(2, __func__); }
-    ZYLGENICAM::IModule* GetModule3() override { return Module(3, __func__); }
-    ZYLGENICAM::IModule* GetModule4() override { return Module(4, __func__); }
+    ZYLGENICAM::IModule* GetModule0() override { return Usable(__func__) ? m_device->ModuleAt(0) : nullptr; }
+    ZYLGENICAM::IModule* GetModule1() override { return Usable(__func__) ? m_device->ModuleAt(1) : nullptr; }
+    ZYLGENICAM::IModule* GetModule2() override { return Usable(__func__) ? m_device->ModuleAt(2) : nullptr; }
+    ZYLGENICAM::IModule* GetModule3() override { return Usable(__func__) ? m_device->ModuleAt(3) : nullptr; }
+    ZYLGENICAM::IModule* GetModule4() override { return Usable(__func__) ? m_device->ModuleAt(4) : nullptr; }
     int StartGrabbing(int, uint64_t frameLimit) override
     {
         return Usable(__func__) ? m_device->StartGrabbing(m_state, frameLimit) : ZYLGENICAM::SDK_ERROR;
@@ -67,10 +67,6 @@ private:
         }
         Misuse("ICamera::" + std::string(operation) + " on a destroyed handle");
         return false;
-    }
-    ZYLGENICAM::IModule* Module(int module, const char* operation) const
-    {
-        return Usable(operation) ? m_device->ModuleAt(module) : nullptr;
     }
 
     const std::shared_ptr<ScriptedDevice> m_device;

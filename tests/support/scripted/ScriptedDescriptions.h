@@ -183,24 +183,18 @@ struct DeviceCounters {
     uint64_t ImagesOutstanding() const { return imagesHandedOut - imagesReleased; }
 };
 
-// Ready-made descriptions.
+// Ready-made descriptions on the documents in tests/data; frame ids run 1, 2, 3...
 // The profile camera's features, "scripted_profile_camera.xml".
 std::string ProfileCameraXml();
-
-// An area camera: module 3 "scripted_area_camera.xml" (DeviceUserID, AcquisitionMode, AcquisitionFrameCount,
-// Width, Height, PixelFormat), module 2 "scripted_auxiliary.xml" (StreamBufferCount, StreamPacketSize);
-// frames 640 x 480 Mono8 with ids 1, 2, 3...
+// Features "scripted_area_camera.xml" (module 3), stream "scripted_auxiliary.xml" (module 2); 640 x 480 Mono8 frames.
 DeviceDescription AreaCamera(const std::string& serialNumber, const std::string& userDefinedName = "",
                              int tlType = ZYLGENICAM::TL_GIGE);
-// A profile camera (serial numbers of profile cameras start with 'F'): module 3 from the profile document;
-// frames 3200 x 1 Coord3D_C16 with two chunks (64 and 6400 bytes), ids 1, 2, 3...
+// Serial numbers of profile cameras start with 'F'; 3200 x 1 Coord3D_C16 frames with chunks of 64 and 6400 bytes.
 DeviceDescription ProfileCamera(const std::string& serialNumber, const std::string& userDefinedName = "",
                                 int tlType = ZYLGENICAM::TL_GIGE);
-// A frame-grabber card whose serial number is its key; module 2 is "scripted_card.xml" (CardName, TapGeometry,
-// SerialBaudRate).
+// Its serial number is its key; module 2 is "scripted_card.xml".
 DeviceDescription FrameGrabberCard(const std::string& cardKey);
-// A Camera Link camera behind the card cardKey ("GenCPCamera" for a serial-only camera): module 3 from
-// the area document, module 2 the card document.
+// Behind the card cardKey ("GenCPCamera" for a serial-only camera); area features, card module 2.
 DeviceDescription CameraLinkCamera(const std::string& serialNumber, const std::string& cardKey,
                                    const std::string& protocol = "", const std::string& serialPort = "");
 

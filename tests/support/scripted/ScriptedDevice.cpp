@@ -14,16 +14,6 @@ namespace {
 using namespace ZYLGENICAM;
 using Clock = std::chrono::steady_clock;
 
-// "DeviceUserID" of a feature node map: the user-defined name discovery reports; null when absent.
-GenApi_3_4::IString* UserIdNode(GenApi_3_4::INodeMap* nodeMap)
-{
-    if (nodeMap == nullptr) {
-        return nullptr;
-    }
-    GenApi_3_4::CStringPtr userId = nodeMap->GetNode("DeviceUserID");
-    return userId.IsValid() ? static_cast<GenApi_3_4::IString*>(userId) : nullptr;
-}
-
 // Longest wait GetImage honours, so "infinite" timeouts cannot overflow the clock.
 constexpr uint64_t kLongestWaitMs = 24ull * 3600 * 1000;
 
@@ -55,8 +45,9 @@ ScriptedDevice::ScriptedDevice(DeviceDescription description)
             m_modules[module] = std::make_unique<Module>(description.moduleXml[module], m_identity.serialNumber);
         }
     }
-    if (GenApi_3_4::IString* userId = UserIdNode(NodeMap(3))) {
-        userId->SetValue(m_identity.userDefinedName);
+    if (GenApi_3_4::CStringPtr userId = NodeMap(3) ? NodeMap(3)->GetNode("DeviceUserID") : nullptr) {
+        m_userId = userId;
+        m_userId->SetValue(m_identity.userDefinedName);
     }
     SetFrameScript(std::move(description.frames));
 }
@@ -84,8 +75,8 @@ void ScriptedDevice::UpdateIdentity(const std::function<void(DeviceIdentity&)>& 
 {
     DeviceIdentity identity = Identity();
     change(identity);
-    if (GenApi_3_4::IString* userId = UserIdNode(NodeMap(3))) {
-        userId->SetValue(identity.userDefinedName);
+    if (m_userId != nullptr) {
+        m_userId->SetValue(identity.userDefinedName);
     }
     Lock lock(m_mutex);
     m_identity = std::move(identity);
@@ -96,8 +87,8 @@ DeviceIdentity ScriptedDevice::Identity() const
     Lock lock(m_mutex);
     DeviceIdentity identity = m_identity;
     lock.unlock();
-    if (GenApi_3_4::IString* userId = UserIdNode(NodeMap(3)); userId != nullptr && GenApi_3_4::IsReadable(userId)) {
-        identity.userDefinedName = userId->GetValue().str();
+    if (m_userId != nullptr && GenApi_3_4::IsReadable(m_userId)) {
+        identity.userDefinedName = m_userId->GetValue().str();
     }
     return identity;
 }

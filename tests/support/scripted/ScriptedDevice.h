@@ -16,6 +16,10 @@
 
 #include "support/scripted/ScriptedDescriptions.h"
 
+namespace GenApi_3_4 {
+struct IString;
+}
+
 namespace Scripted {
 
 class ScriptedImage;
@@ -60,7 +64,9 @@ private:
     friend class ScriptedCameraInfo;
     friend class ScriptedImage;
 
-    // State of one ICamera handle, written under the device's mutex.
+    class Module;
+
+    // State of one ICamera handle, written under the device's mutex (open and grabbing are read without it).
     struct HandleState {
         std::atomic<bool> open{false};
         std::atomic<bool> grabbing{false};
@@ -98,13 +104,14 @@ private:
     mutable std::condition_variable m_changed;
     const DeviceRole m_role;
     DeviceIdentity m_identity;
-    class Module;
     std::array<std::unique_ptr<Module>, 5> m_modules;
     std::array<std::atomic<bool>, 5> m_moduleMissing{};
+    // "DeviceUserID" of module 3, when it has one: discovery reports its value as the user-defined name.
+    GenApi_3_4::IString* m_userId = nullptr;
     FrameScript m_script;
     uint64_t m_scriptPosition = 0;
     uint64_t m_scriptVersion = 0;
-    std::array<std::atomic<int>, 6> m_results{}; // per SdkCall; 0 is SDK_OK
+    std::array<std::atomic<int>, 6> m_results{}; // one per SdkCall; 0 is SDK_OK
     std::atomic<bool> m_present{true};
     std::atomic<bool> m_lost{false}; // written under the mutex: GetImage waits on it
     std::atomic<bool> m_createCameraFails{false};

@@ -55,7 +55,7 @@ std::list<ZYLGENICAM::ICameraInfo*> MakeRecords(DeviceRole role, uint64_t tlMask
     return made;
 }
 
-// The record info is, when this SDK made it and it was not destroyed yet.
+// info as a record this SDK made and nobody destroyed yet; null otherwise.
 ScriptedCameraInfo* LiveRecord(ZYLGENICAM::ICameraInfo* info)
 {
     Lock lock(sdkMutex);

@@ -1,11 +1,5 @@
 // The scripted camera SDK for tests: the ZYLGENICAM functions answer from devices a test
 // describes here, and every device counts what the library did with it.
-//
-//   auto& cam = Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
-//   cam.SetFrameScript(Scripted::FrameScript::Empty().AddFrames(1, 5).Then(Scripted::WhenExhausted::KeepTimingOut));
-//   ... drive the library ...
-//   EXPECT_TRUE(cam.WaitUntil([](const auto& c) { return c.imagesReleased == 5; }));
-//
 // Tests share a process, so each starts from Reset() (or OnlyDevice), which is only safe
 // once the library holds no handle, record or image any more.
 #pragma once
