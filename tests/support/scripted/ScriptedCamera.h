@@ -4,46 +4,74 @@
 
 #include <atomic>
 #include <memory>
+#include <string>
 
 #include "ZylSdk.h"
-#include "support/scripted/ScriptedDevice.h"
+#include "support/scripted/ScriptedCameraInfo.h"
+#include "support/scripted/ScriptedSdk.h"
 
 namespace Scripted {
 
-class ScriptedCameraInfo;
-
 class ScriptedCamera final : public ZYLGENICAM::ICamera {
 public:
-    explicit ScriptedCamera(std::shared_ptr<ScriptedDevice> device);
-    ~ScriptedCamera();
-    ScriptedCamera(const ScriptedCamera&) = delete;
-    ScriptedCamera& operator=(const ScriptedCamera&) = delete;
+    explicit ScriptedCamera(std::shared_ptr<ScriptedDevice> device)
+        : m_device(std::move(device)), m_info(m_device, ScriptedCameraInfo::Owner::Camera)
+    {
+        m_device->Count(&DeviceCounters::camerasCreated);
+    }
 
-    int Open(int accessMode) override;
-    int Close() override;
-    bool IsOpen() override;
-    bool IsConnected() override;
-    bool IsGrabbing() override;
-    ZYLGENICAM::ICameraInfo* GetDeviceInfo() override;
-    ZYLGENICAM::IModule* GetModule0() override;
-    ZYLGENICAM::IModule* GetModule1() override;
-    ZYLGENICAM::IModule* GetModule2() override;
-    ZYLGENICAM::IModule* GetModule3() override;
-    ZYLGENICAM::IModule* GetModule4() override;
-    int StartGrabbing(int mode, uint64_t frameLimit) override;
-    int StopGrabbing() override;
-    int GetImage(ZYLGENICAM::IImage*& image, uint64_t timeoutMs) override;
-    int SetCLProtocol(const char* protocol, const char* serialPort) override;
-    void Destroy() override;
+    int Open(int) override { return Usable(__func__) ? m_device->Open(m_state) : ZYLGENICAM::SDK_ERROR; }
+    int Close() override { return Usable(__func__) ? m_device->Close(m_state) : ZYLGENICAM::SDK_ERROR; }
+    bool IsOpen() override { return Usable(__func__) && m_state.open; }
+    bool IsConnected() override { return Usable(__func__) && !m_device->IsLost(); }
+    bool IsGrabbing() override { return Usable(__func__) && m_state.grabbing; }
+    ZYLGENICAM::ICameraInfo* GetDeviceInfo() override { return Usable(__func__) ? &m_info : nullptr; }
+    ZYLGENICAM::IModule* GetModule0() override { return Usable(__func__) ? m_device->ModuleAt(0) : nullptr; }
+    ZYLGENICAM::IModule* GetModule1() override { return Usable(__func__) ? m_device->ModuleAt(1) : nullptr; }
+    ZYLGENICAM::IModule* GetModule2() override { return Usable(__func__) ? m_device->ModuleAt(2) : nullptr; }
+    ZYLGENICAM::IModule* GetModule3() override { return Usable(__func__) ? m_device->ModuleAt(3) : nullptr; }
+    ZYLGENICAM::IModule* GetModule4() override { return Usable(__func__) ? m_device->ModuleAt(4) : nullptr; }
+    int StartGrabbing(int, uint64_t frameLimit) override
+    {
+        return Usable(__func__) ? m_device->StartGrabbing(m_state, frameLimit) : ZYLGENICAM::SDK_ERROR;
+    }
+    int StopGrabbing() override { return Usable(__func__) ? m_device->StopGrabbing(m_state) : ZYLGENICAM::SDK_ERROR; }
+    int GetImage(ZYLGENICAM::IImage*& image, uint64_t timeoutMs) override
+    {
+        image = nullptr;
+        return Usable(__func__) ? m_device->GetImage(m_state, image, timeoutMs) : ZYLGENICAM::SDK_ERROR;
+    }
+    int SetCLProtocol(const char* protocol, const char* serialPort) override
+    {
+        return Usable(__func__) ? m_device->SetCLProtocol(protocol, serialPort) : ZYLGENICAM::SDK_ERROR;
+    }
+    void Destroy() override
+    {
+        if (m_destroyed.exchange(true)) {
+            Misuse("second ICamera::Destroy of a handle");
+        } else {
+            m_device->Destroyed(m_state);
+        }
+    }
 
 private:
+    void Misuse(const std::string& what) const
+    {
+        ScriptedSdk::Instance().ReportMisuse(what + " on " + m_device->SerialNumber());
+    }
     // Reports a call on a destroyed handle; true when the call may go on.
-    bool Usable(const char* operation) const;
-    ZYLGENICAM::IModule* ModuleOrNull(int module, const char* operation);
+    bool Usable(const char* operation) const
+    {
+        if (!m_destroyed.load()) {
+            return true;
+        }
+        Misuse("ICamera::" + std::string(operation) + " on a destroyed handle");
+        return false;
+    }
 
-    std::shared_ptr<ScriptedDevice> m_device;
+    const std::shared_ptr<ScriptedDevice> m_device;
     ScriptedDevice::HandleState m_state;
-    std::unique_ptr<ScriptedCameraInfo> m_info;
+    ScriptedCameraInfo m_info;
     std::atomic<bool> m_destroyed{false};
 };
 

@@ -4,54 +4,44 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <unordered_map>
 
-#include "support/scripted/ScriptedTypes.h"
+#include "support/scripted/ScriptedDescriptions.h"
 
 namespace GenApi_3_4 {
-struct INodeMap;
 struct IString;
-} // namespace GenApi_3_4
+}
 
 namespace Scripted {
 
-class ScriptedCamera;
-class ScriptedCameraInfo;
 class ScriptedImage;
-class ScriptedModule;
-class ScriptedSdk;
 
 class ScriptedDevice {
 public:
     explicit ScriptedDevice(DeviceDescription description);
     ~ScriptedDevice();
-    ScriptedDevice(const ScriptedDevice&) = delete;
-    ScriptedDevice& operator=(const ScriptedDevice&) = delete;
 
-    std::string SerialNumber() const;
-    DeviceRole Role() const;
+    std::string SerialNumber() const { return Identity().serialNumber; }
 
     // Absent devices are left out of every discovery; handles already created keep working.
-    void SetPresent(bool present);
+    void SetPresent(bool present) { m_present = present; }
     // From now on IsConnected is false, Open fails and GetImage returns SDK_LOST.
     void Lose();
-    bool IsLost() const;
 
     // Replaces the script and starts it from its first step.
     void SetFrameScript(FrameScript script);
-    void SetResult(SdkCall call, int code);
-    void SetCreateCameraFails(bool fails);
+    void SetResult(SdkCall call, int code) { m_results.at(static_cast<std::size_t>(call)) = code; }
+    void SetCreateCameraFails(bool fails) { m_createCameraFails = fails; }
     // A missing module makes GetModuleN return null.
-    void SetModuleMissing(int module, bool missing);
+    void SetModuleMissing(int module, bool missing) { m_moduleMissing.at(module) = missing; }
     // Changes identity texts seen by the next discoveries (the user-defined name goes to "DeviceUserID").
     void UpdateIdentity(const std::function<void(DeviceIdentity&)>& change);
     DeviceIdentity Identity() const;
@@ -64,17 +54,22 @@ public:
     bool WaitUntil(const std::function<bool(const DeviceCounters&)>& condition,
                    std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
 
+    // The SDK functions' side: discovery, CreateCamera and SetCameraIP.
+    bool IsListed(DeviceRole role, uint64_t tlMask) const;
+    bool CreateCameraFails() const { return m_createCameraFails; }
+    int SetCameraIP(const SetCameraIPCall& call);
+
 private:
     friend class ScriptedCamera;
     friend class ScriptedCameraInfo;
     friend class ScriptedImage;
-    friend class ScriptedSdk;
 
-    // State of one ICamera handle, guarded by the device's mutex.
+    class Module;
+
+    // State of one ICamera handle, written under the device's mutex (open and grabbing are read without it).
     struct HandleState {
-        uint64_t handleId = 0;
-        bool open = false;
-        bool grabbing = false;
+        std::atomic<bool> open{false};
+        std::atomic<bool> grabbing{false};
         uint64_t grabSession = 0; // changes on every start and stop so waiting reads end
         uint64_t framesThisSession = 0;
         uint64_t frameLimit = ZYLGENICAM::NO_FRAME_LIMIT;
@@ -84,56 +79,44 @@ private:
 
     using Lock = std::unique_lock<std::mutex>;
 
-    // Called by the scripted SDK objects.
-    bool IsPresent() const;
-    bool CreateCameraFails() const;
-    ScriptedModule* Module(int module) const;
-    void CountRecordCreated();
-    void CountRecordDestroyed();
-    void CountCameraCreated(HandleState& handle);
-    void CountCameraDestroyed(HandleState& handle);
-    bool IsOpen(const HandleState& handle) const;
-    bool IsGrabbing(const HandleState& handle) const;
-    int Open(HandleState& handle, int accessMode);
+    // Called by the handles, records and images.
+    bool IsLost() const { return m_lost; }
+    ZYLGENICAM::IModule* ModuleAt(int module) const;
+    void Count(uint64_t DeviceCounters::*counter);
+    int Open(HandleState& handle);
     int Close(HandleState& handle);
-    int StartGrabbing(HandleState& handle, int mode, uint64_t frameLimit);
+    int StartGrabbing(HandleState& handle, uint64_t frameLimit);
     int StopGrabbing(HandleState& handle);
     int GetImage(HandleState& handle, ZYLGENICAM::IImage*& image, uint64_t timeoutMs);
     int SetCLProtocol(const char* protocol, const char* serialPort);
-    int SetCameraIP(const SetCameraIPCall& call);
-    void Released(ScriptedImage* image, uint64_t handleId);
-    void UsedAfterRelease(const char* operation);
+    void Destroyed(HandleState& handle);
 
-    // "DeviceUserID" of module 3: the user-defined name discovery reports; null when absent.
-    GenApi_3_4::IString* UserIdNode() const;
+    // Counts a call and answers it: the refusal when the handle's state forbids it, else the scripted result.
+    int Answer(SdkCall call, uint64_t DeviceCounters::*counter = nullptr, int refusal = ZYLGENICAM::SDK_OK);
+    static void EndGrab(HandleState& handle);
     // The step at a script position, with repeated rounds' frame ids raised.
     FrameStep StepAt(uint64_t position) const;
     static bool GrabInterrupted(const HandleState& handle, uint64_t session);
-    // Waits until the deadline unless the grab is stopped or the device lost first.
-    int WaitForTimeout(Lock& lock, const HandleState& handle, uint64_t session,
-                       std::chrono::steady_clock::time_point deadline);
-    int Result(SdkCall call) const;
-    ScriptedImage* HandOutImage(const FrameStep& step, HandleState& handle);
-    void Changed(); // wakes GetImage waits and WaitUntil
+    void Advance(HandleState& handle);
+    void Changed() { m_changed.notify_all(); } // wakes GetImage waits and WaitUntil
 
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
-    DeviceRole m_role;
+    const DeviceRole m_role;
     DeviceIdentity m_identity;
-    std::array<std::unique_ptr<ScriptedModule>, 5> m_modules;
-    std::array<bool, 5> m_moduleMissing{};
+    std::array<std::unique_ptr<Module>, 5> m_modules;
+    std::array<std::atomic<bool>, 5> m_moduleMissing{};
+    // "DeviceUserID" of module 3, when it has one: discovery reports its value as the user-defined name.
+    GenApi_3_4::IString* m_userId = nullptr;
     FrameScript m_script;
     uint64_t m_scriptPosition = 0;
-    uint64_t m_largestScriptFrameId = 0;
     uint64_t m_scriptVersion = 0;
-    std::map<SdkCall, int> m_results;
-    bool m_present = true;
-    bool m_lost = false;
-    bool m_createCameraFails = false;
-    uint64_t m_nextHandleId = 1;
-    std::unordered_map<ScriptedImage*, std::unique_ptr<ScriptedImage>> m_imagesOut;
-    // Released images stay allocated for a while so a second Release is reported, not undefined.
-    std::deque<std::unique_ptr<ScriptedImage>> m_imagesReleased;
+    std::array<std::atomic<int>, 6> m_results{}; // one per SdkCall; 0 is SDK_OK
+    std::atomic<bool> m_present{true};
+    std::atomic<bool> m_lost{false}; // written under the mutex: GetImage waits on it
+    std::atomic<bool> m_createCameraFails{false};
+    // Every image handed out, its buffers freed at Release: a second Release is reported, not undefined.
+    std::deque<std::unique_ptr<ScriptedImage>> m_images;
     DeviceCounters m_counters;
 };
 

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <memory>
+#include <mutex>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "support/scripted/ScriptedCamera.h"
 #include "support/scripted/ScriptedCameraInfo.h"
@@ -13,59 +15,84 @@ namespace Scripted {
 
 namespace {
 
-using DeviceFilter = bool (*)(ScriptedDevice& device, uint64_t mask);
+// Everything the SDK knows; Reset replaces it whole.
+struct SdkState {
+    std::vector<std::shared_ptr<ScriptedDevice>> devices;
+    // Records and handles stay allocated until Reset so a use after Destroy is reported, not undefined.
+    std::vector<std::unique_ptr<ScriptedCameraInfo>> records;
+    std::vector<std::unique_ptr<ScriptedCamera>> cameras;
+    std::list<std::string> clSerials;
+    std::list<std::string> clProtocols;
+    int initResult = ZYLGENICAM::SDK_OK;
+    std::chrono::milliseconds discoveryDelay{0};
+    SdkCounters counters;
+};
 
-bool IsCameraInMask(ScriptedDevice& device, uint64_t mask)
+std::mutex sdkMutex;
+// Never destroyed: detached library threads may still reach the SDK while the process exits.
+SdkState& sdkState = *new SdkState();
+
+using Lock = std::lock_guard<std::mutex>;
+
+std::vector<std::shared_ptr<ScriptedDevice>> Devices()
 {
-    return device.Role() == DeviceRole::Camera && (mask & static_cast<uint64_t>(device.Identity().tlType)) != 0;
+    Lock lock(sdkMutex);
+    return sdkState.devices;
 }
 
-bool IsCard(ScriptedDevice& device, uint64_t /*mask*/)
+// Fresh records of the listed devices, in the order they were added.
+std::list<ZYLGENICAM::ICameraInfo*> MakeRecords(DeviceRole role, uint64_t tlMask)
 {
-    return device.Role() == DeviceRole::FrameGrabberCard;
+    std::list<ZYLGENICAM::ICameraInfo*> made;
+    for (const auto& device : Devices()) {
+        if (device->IsListed(role, tlMask)) {
+            auto record = std::make_unique<ScriptedCameraInfo>(device, ScriptedCameraInfo::Owner::Caller);
+            made.push_back(record.get());
+            Lock lock(sdkMutex);
+            sdkState.records.push_back(std::move(record));
+        }
+    }
+    return made;
 }
 
-std::string TextOrEmpty(const char* text)
+// info as a record this SDK made and nobody destroyed yet; null otherwise.
+ScriptedCameraInfo* LiveRecord(ZYLGENICAM::ICameraInfo* info)
 {
-    return text != nullptr ? text : "";
+    Lock lock(sdkMutex);
+    for (const auto& record : sdkState.records) {
+        if (record.get() == info && !record->IsDestroyed()) {
+            return record.get();
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
 
 ScriptedSdk& ScriptedSdk::Instance()
 {
-    // Never destroyed: detached library threads may still reach the SDK while the process exits.
-    static ScriptedSdk* instance = new ScriptedSdk();
-    return *instance;
+    static ScriptedSdk instance;
+    return instance;
 }
 
 void ScriptedSdk::Reset()
 {
-    std::vector<std::shared_ptr<ScriptedDevice>> devices;
-    std::vector<std::unique_ptr<ScriptedCameraInfo>> records;
-    std::vector<std::unique_ptr<ScriptedCamera>> cameras;
-    std::lock_guard<std::mutex> lock(m_mutex);
-    devices.swap(m_devices);
-    records.swap(m_records);
-    cameras.swap(m_cameras);
-    m_clSerials.clear();
-    m_clProtocols.clear();
-    m_initResult = ZYLGENICAM::SDK_OK;
-    m_discoveryDelay = std::chrono::milliseconds(0);
-    m_counters = SdkCounters();
+    SdkState old; // freed once the lock is released
+    Lock lock(sdkMutex);
+    std::swap(old, sdkState);
 }
 
 ScriptedDevice& ScriptedSdk::AddDevice(DeviceDescription description)
 {
     auto device = std::make_shared<ScriptedDevice>(std::move(description));
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_devices.push_back(device);
+    Lock lock(sdkMutex);
+    sdkState.devices.push_back(device);
     return *device;
 }
 
 ScriptedDevice* ScriptedSdk::FindDevice(const std::string& serialNumber)
 {
-    for (const auto& device : DevicesSnapshot()) {
+    for (const auto& device : Devices()) {
         if (device->SerialNumber() == serialNumber) {
             return device.get();
         }
@@ -75,160 +102,41 @@ ScriptedDevice* ScriptedSdk::FindDevice(const std::string& serialNumber)
 
 void ScriptedSdk::SetInitResult(int code)
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_initResult = code;
+    Lock lock(sdkMutex);
+    sdkState.initResult = code;
 }
 
 void ScriptedSdk::SetCLSerials(std::list<std::string> serials)
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_clSerials = std::move(serials);
+    Lock lock(sdkMutex);
+    sdkState.clSerials = std::move(serials);
 }
 
 void ScriptedSdk::SetCLProtocols(std::list<std::string> protocols)
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_clProtocols = std::move(protocols);
+    Lock lock(sdkMutex);
+    sdkState.clProtocols = std::move(protocols);
 }
 
 void ScriptedSdk::SetDiscoveryDelay(std::chrono::milliseconds delay)
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_discoveryDelay = delay;
+    Lock lock(sdkMutex);
+    sdkState.discoveryDelay = delay;
 }
 
 SdkCounters ScriptedSdk::Counters() const
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_counters;
-}
-
-int ScriptedSdk::Init()
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    ++m_counters.inits;
-    return m_initResult;
-}
-
-int ScriptedSdk::UnInit()
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    ++m_counters.uninits;
-    return ZYLGENICAM::SDK_OK;
-}
-
-std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryByTLType(uint64_t mask)
-{
-    std::chrono::milliseconds delay;
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        ++m_counters.discoveries;
-        delay = m_discoveryDelay;
-    }
-    std::this_thread::sleep_for(delay);
-    return MakeRecords(IsCameraInMask, mask);
-}
-
-ZYLGENICAM::ICamera* ScriptedSdk::CreateCamera(ZYLGENICAM::ICameraInfo* info)
-{
-    if (info == nullptr) {
-        return nullptr;
-    }
-    ScriptedCameraInfo* record = KnownRecord(info);
-    if (record == nullptr) {
-        ReportMisuse("CreateCamera with a record this SDK did not make");
-        return nullptr;
-    }
-    if (record->IsDestroyed()) {
-        ReportMisuse("CreateCamera with a destroyed record of " + record->Device()->SerialNumber());
-        return nullptr;
-    }
-    if (record->Device()->CreateCameraFails()) {
-        return nullptr;
-    }
-    auto camera = std::make_unique<ScriptedCamera>(record->Device());
-    ScriptedCamera* created = camera.get();
-    std::lock_guard<std::mutex> lock(m_mutex);
-    m_cameras.push_back(std::move(camera));
-    return created;
-}
-
-std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryCLCards()
-{
-    return MakeRecords(IsCard, 0);
-}
-
-std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::DiscoveryCLCameras()
-{
-    return MakeRecords(IsCameraInMask, ZYLGENICAM::TL_CAMERALINK);
-}
-
-std::list<std::string> ScriptedSdk::GetCLSerials() const
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_clSerials;
-}
-
-std::list<std::string> ScriptedSdk::GetCLProtocols() const
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_clProtocols;
-}
-
-int64_t ScriptedSdk::SetCameraIP(const char* serialNumber, const char* ip, const char* mask, const char* gateway,
-                                 bool persistent)
-{
-    ScriptedDevice* device = serialNumber != nullptr ? FindDevice(serialNumber) : nullptr;
-    if (device == nullptr) {
-        return ZYLGENICAM::SDK_INVALID_ARGUMENT;
-    }
-    SetCameraIPCall call;
-    call.ip = TextOrEmpty(ip);
-    call.mask = TextOrEmpty(mask);
-    call.gateway = TextOrEmpty(gateway);
-    call.persistent = persistent;
-    return device->SetCameraIP(call);
+    Lock lock(sdkMutex);
+    return sdkState.counters;
 }
 
 void ScriptedSdk::ReportMisuse(const std::string& what)
 {
     {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        ++m_counters.misuses;
+        Lock lock(sdkMutex);
+        ++sdkState.counters.misuses;
     }
     ADD_FAILURE() << "scripted SDK: " << what;
-}
-
-std::vector<std::shared_ptr<ScriptedDevice>> ScriptedSdk::DevicesSnapshot() const
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_devices;
-}
-
-std::list<ZYLGENICAM::ICameraInfo*> ScriptedSdk::MakeRecords(DeviceFilter filter, uint64_t mask)
-{
-    std::list<ZYLGENICAM::ICameraInfo*> records;
-    std::vector<std::unique_ptr<ScriptedCameraInfo>> made;
-    for (const auto& device : DevicesSnapshot()) {
-        if (device->IsPresent() && filter(*device, mask)) {
-            made.push_back(std::make_unique<ScriptedCameraInfo>(device, ScriptedCameraInfo::Owner::Caller));
-            records.push_back(made.back().get());
-        }
-    }
-    std::lock_guard<std::mutex> lock(m_mutex);
-    for (auto& record : made) {
-        m_records.push_back(std::move(record));
-    }
-    return records;
-}
-
-ScriptedCameraInfo* ScriptedSdk::KnownRecord(ZYLGENICAM::ICameraInfo* info) const
-{
-    std::lock_guard<std::mutex> lock(m_mutex);
-    auto found =
-        std::find_if(m_records.begin(), m_records.end(),
-                     [info](const std::unique_ptr<ScriptedCameraInfo>& record) { return record.get() == info; });
-    return found != m_records.end() ? found->get() : nullptr;
 }
 
 ScriptedDevice& OnlyDevice(DeviceDescription description)
@@ -241,49 +149,79 @@ ScriptedDevice& OnlyDevice(DeviceDescription description)
 
 namespace ZYLGENICAM {
 
+using namespace Scripted;
+
 int Init()
 {
-    return Scripted::ScriptedSdk::Instance().Init();
+    Lock lock(sdkMutex);
+    ++sdkState.counters.inits;
+    return sdkState.initResult;
 }
 
 int UnInit()
 {
-    return Scripted::ScriptedSdk::Instance().UnInit();
+    Lock lock(sdkMutex);
+    ++sdkState.counters.uninits;
+    return SDK_OK;
 }
 
 std::list<ICameraInfo*> DiscoveryByTLType(uint64_t mask)
 {
-    return Scripted::ScriptedSdk::Instance().DiscoveryByTLType(mask);
+    std::chrono::milliseconds delay;
+    {
+        Lock lock(sdkMutex);
+        ++sdkState.counters.discoveries;
+        delay = sdkState.discoveryDelay;
+    }
+    std::this_thread::sleep_for(delay);
+    return MakeRecords(DeviceRole::Camera, mask);
 }
 
 ICamera* CreateCamera(ICameraInfo* info)
 {
-    return Scripted::ScriptedSdk::Instance().CreateCamera(info);
+    ScriptedCameraInfo* record = info != nullptr ? LiveRecord(info) : nullptr;
+    if (info != nullptr && record == nullptr) {
+        ScriptedSdk::Instance().ReportMisuse("CreateCamera with a record this SDK did not make or destroyed");
+    }
+    if (record == nullptr || record->Device()->CreateCameraFails()) {
+        return nullptr;
+    }
+    auto camera = std::make_unique<ScriptedCamera>(record->Device());
+    Lock lock(sdkMutex);
+    sdkState.cameras.push_back(std::move(camera));
+    return sdkState.cameras.back().get();
 }
 
 std::list<ICameraInfo*> DiscoveryCLCards()
 {
-    return Scripted::ScriptedSdk::Instance().DiscoveryCLCards();
+    return MakeRecords(DeviceRole::FrameGrabberCard, 0);
 }
 
 std::list<ICameraInfo*> DiscoveryCLCameras()
 {
-    return Scripted::ScriptedSdk::Instance().DiscoveryCLCameras();
+    return MakeRecords(DeviceRole::Camera, TL_CAMERALINK);
 }
 
 std::list<std::string> GetCLSerials()
 {
-    return Scripted::ScriptedSdk::Instance().GetCLSerials();
+    Lock lock(sdkMutex);
+    return sdkState.clSerials;
 }
 
 std::list<std::string> GetCLProtocols()
 {
-    return Scripted::ScriptedSdk::Instance().GetCLProtocols();
+    Lock lock(sdkMutex);
+    return sdkState.clProtocols;
 }
 
 int64_t SetCameraIP(const char* serialNumber, const char* ip, const char* mask, const char* gateway, bool persistent)
 {
-    return Scripted::ScriptedSdk::Instance().SetCameraIP(serialNumber, ip, mask, gateway, persistent);
+    ScriptedDevice* device = serialNumber != nullptr ? ScriptedSdk::Instance().FindDevice(serialNumber) : nullptr;
+    if (device == nullptr) {
+        return SDK_INVALID_ARGUMENT;
+    }
+    const auto text = [](const char* text) { return std::string(text != nullptr ? text : ""); };
+    return device->SetCameraIP({text(ip), text(mask), text(gateway), persistent});
 }
 
 } // namespace ZYLGENICAM
