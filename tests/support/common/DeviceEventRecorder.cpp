@@ -73,17 +73,17 @@ void DeviceEventRecorder::OnDeviceListUpdate(int kind, std::vector<std::string> 
 
 void DeviceEventRecorder::OnCameraIdUpdate(std::string oldId, std::string newName)
 {
-    Record([&](Events& events) { events.cameraIds.push_back({oldId, newName}); });
+    Record([&](Events& events) { events.cameraIds.push_back(oldId + "=" + newName); });
 }
 
 void DeviceEventRecorder::OnImageModeUpdate(std::string cameraKey, int imageMode)
 {
-    Record([&](Events& events) { events.imageModes.push_back({cameraKey, std::to_string(imageMode)}); });
+    Record([&](Events& events) { events.imageModes.push_back(cameraKey + "=" + std::to_string(imageMode)); });
 }
 
 void DeviceEventRecorder::OnSLImageShowModeUpdate(std::string cameraId, int showMode)
 {
-    Record([&](Events& events) { events.showModes.push_back({cameraId, std::to_string(showMode)}); });
+    Record([&](Events& events) { events.showModes.push_back(cameraId + "=" + std::to_string(showMode)); });
 }
 
 void DeviceEventRecorder::OnImageUpdate(std::string /*cameraKey*/, void* image, int /*extra1*/, int /*extra2*/)

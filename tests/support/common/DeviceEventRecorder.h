@@ -23,15 +23,12 @@ public:
         std::vector<std::string> first;
         std::vector<std::string> second;
     };
-    struct Pair {
-        std::string first;
-        std::string second;
-    };
     struct Events {
         std::vector<DeviceList> deviceLists;
-        std::vector<Pair> cameraIds;  // (old id, new name)
-        std::vector<Pair> imageModes; // (key, mode)
-        std::vector<Pair> showModes;  // (id, mode)
+        // "old id=new name", "key=mode", "id=mode"
+        std::vector<std::string> cameraIds;
+        std::vector<std::string> imageModes;
+        std::vector<std::string> showModes;
         std::size_t images = 0;
 
         std::size_t WholeLists() const;
