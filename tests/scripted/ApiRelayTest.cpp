@@ -201,26 +201,6 @@ protected:
 
 } // namespace
 
-// Focus of an out-of-range type answers 0 and changes nothing; only the host texts of a
-// camera's information can be written, and writing one announces the statistics.
-TEST_F(ApiRelay, FocusAndCameraInfoOnAListedCamera)
-{
-    ListCamera();
-    ASSERT_EQ(0, RegisterFocusUpdateListener(&host));
-    ASSERT_EQ(0, RegisterAcqStatisticUpdateListener(&host));
-    const std::string name = GetCameraInfo(ListedCamera, CAM_NAME);
-
-    EXPECT_EQ(0, SetFocus(static_cast<FOCUS_TYPE>(4), ListedCamera));
-    EXPECT_EQ(0, SetFocus(static_cast<FOCUS_TYPE>(-1), ListedCamera));
-    EXPECT_EQ(0, SetFocus(FOCUS_CAMERA, ListedCamera));
-    EXPECT_EQ(-1, SetCameraInfo(ListedCamera, CAM_NAME, "Renamed"));
-    EXPECT_EQ(name, GetCameraInfo(ListedCamera, CAM_NAME));
-    EXPECT_EQ(0, SetCameraInfo(ListedCamera, CAM_HOST_TEXT40, "left view"));
-    EXPECT_EQ("left view", GetCameraInfo(ListedCamera, CAM_HOST_TEXT40));
-
-    EXPECT_THAT(host.Events(), ElementsAre("focus 1 " + ListedCamera, "statistics " + ListedCamera + " 1"));
-}
-
 // The ROI relays pass a host's drawing to the other hosts: without listeners
 // the caller's values stay, otherwise each listener sees what the one before wrote.
 TEST_F(ApiRelay, RoiRelaysChainTheListenersAnswersAndSendTheirOperationCodes)
@@ -247,19 +227,43 @@ TEST_F(ApiRelay, RoiRelaysChainTheListenersAnswersAndSendTheirOperationCodes)
     EXPECT_EQ(ListedCamera + " 10 20 30 40 op 0 index 5 extras 5 6", last.calls.at(0));
 }
 
-// The host-to-host relays pass their arguments on, even for a camera nobody listed.
-TEST_F(ApiRelay, ShowModeCorrectionAndImportRelaysPassTheirArguments)
+// The host-to-host relays pass their arguments on, even for a camera nobody listed, and logging
+// reaches the logger listeners with the level word when asked to notify. Focus of an out-of-range
+// type answers 0 and tells nobody. Only the host texts of a camera's information can be written,
+// and writing one announces the statistics.
+TEST_F(ApiRelay, HostRelaysPassTheirArgumentsOnAndOnlyHostTextsCanBeWritten)
 {
+    ListCamera();
+    ASSERT_EQ(0, RegisterFocusUpdateListener(&host));
     ASSERT_EQ(0, RegisterSLImageShowModeUpdateListener(&host));
     ASSERT_EQ(0, RegisterCorrectionUpdateListener(&host));
     ASSERT_EQ(0, RegisterImportUpdateListener(&host));
+    ASSERT_EQ(0, RegisterLoggerUpdateListener(&host));
+    ASSERT_EQ(0, RegisterAcqStatisticUpdateListener(&host));
+    const std::string name = GetCameraInfo(ListedCamera, CAM_NAME);
 
+    EXPECT_EQ(0, SetFocus(static_cast<FOCUS_TYPE>(4), ListedCamera));
+    EXPECT_EQ(0, SetFocus(static_cast<FOCUS_TYPE>(-1), ListedCamera));
+    EXPECT_EQ(0, SetFocus(FOCUS_CAMERA, ListedCamera));
     EXPECT_EQ(0, SetSLImageShowMode("Nobody(0)", 2));
     EXPECT_EQ(0, NotifyCorrection(ListedCamera, 4, 1.5f, &host));
     NotifyImportUpdate("scene.ini");
+    EXPECT_EQ(0, VLogDebug("viewer", "d", 1));
+    EXPECT_EQ(0, VLogInfo("viewer", "i", 1));
+    EXPECT_EQ(0, VLogWarning("viewer", "w", 1));
+    EXPECT_EQ(0, VLogError("viewer", "e", 1));
+    EXPECT_EQ(0, VLogDeadly("viewer", "x", 1));
+    EXPECT_EQ(0, VLogError("viewer", "quiet", 0));
+    EXPECT_EQ(-1, SetCameraInfo(ListedCamera, CAM_NAME, "Renamed"));
+    EXPECT_EQ(name, GetCameraInfo(ListedCamera, CAM_NAME));
+    EXPECT_EQ(0, SetCameraInfo(ListedCamera, CAM_HOST_TEXT40, "left view"));
+    EXPECT_EQ("left view", GetCameraInfo(ListedCamera, CAM_HOST_TEXT40));
 
     EXPECT_THAT(host.Events(),
-                ElementsAre("show mode Nobody(0) 2", "correction " + ListedCamera + " 4 1.5 data", "import scene.ini"));
+                ElementsAre("focus 1 " + ListedCamera, "show mode Nobody(0) 2",
+                            "correction " + ListedCamera + " 4 1.5 data", "import scene.ini", "log Debug viewer: d",
+                            "log Info viewer: i", "log Warning viewer: w", "log Error viewer: e",
+                            "log Deadly viewer: x", "statistics " + ListedCamera + " 1"));
 }
 
 TEST_F(ApiRelay, RelaysOnAnUnknownDeviceAndRegistrationsOfANullListenerFail)
@@ -274,21 +278,6 @@ TEST_F(ApiRelay, RelaysOnAnUnknownDeviceAndRegistrationsOfANullListenerFail)
     EXPECT_EQ(-1, UnRegisterCardTimerNodeUpdateListener("card", "Node", 100, nullptr));
     EXPECT_EQ(-1, RegisterCameraTimerNodeUpdateListener("A", "Node", 100, nullptr));
     EXPECT_EQ(-1, UnRegisterCameraTimerNodeUpdateListener("A", "Node", 100, nullptr));
-}
-
-TEST_F(ApiRelay, HostLoggingReachesLoggerListenersWithTheLevelWord)
-{
-    ASSERT_EQ(0, RegisterLoggerUpdateListener(&host));
-
-    EXPECT_EQ(0, VLogDebug("viewer", "d", 1));
-    EXPECT_EQ(0, VLogInfo("viewer", "i", 1));
-    EXPECT_EQ(0, VLogWarning("viewer", "w", 1));
-    EXPECT_EQ(0, VLogError("viewer", "e", 1));
-    EXPECT_EQ(0, VLogDeadly("viewer", "x", 1));
-    EXPECT_EQ(0, VLogError("viewer", "quiet", 0));
-
-    EXPECT_THAT(host.Events(), ElementsAre("log Debug viewer: d", "log Info viewer: i", "log Warning viewer: w",
-                                           "log Error viewer: e", "log Deadly viewer: x"));
 }
 
 TEST_F(ApiRelay, AThrowingListenerBecomesTheGenericFailure)
