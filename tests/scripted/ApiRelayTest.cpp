@@ -298,23 +298,6 @@ TEST_F(ApiRelay, AThrowingListenerBecomesTheGenericFailure)
     EXPECT_EQ(0, DrawROI(ListedCamera, 1, 2, 3, 4, index, result, 0, 0));
 }
 
-TEST_F(ApiLifecycle, InitAnswersMinusOneUnInitZeroAndInitAgainStartsAfresh)
-{
-    EXPECT_EQ(-1, InitHere());
-    EXPECT_EQ(-1, InitHere()) << "a second Init finds the running library";
-    ASSERT_EQ(0, SetTLTypeList(8));
-    EXPECT_EQ(0, UnInit());
-
-    Scripted::ScriptedSdk::Instance().SetInitResult(ZYLGENICAM::SDK_ERROR);
-    EXPECT_EQ(-1, InitHere()) << "the SDK's own result is not passed on";
-    EXPECT_EQ(15u, GetTLTypeList()) << "the new device manager starts with the default mask";
-    EXPECT_EQ(0, UnInit());
-
-    const Scripted::SdkCounters sdk = Scripted::ScriptedSdk::Instance().Counters();
-    EXPECT_EQ(3u, sdk.inits);
-    EXPECT_EQ(2u, sdk.uninits);
-}
-
 TEST_F(ApiLifecycle, RelaysFailBeforeInitWithoutTouchingTheSdk)
 {
     InFreshProcess([] {
@@ -330,10 +313,12 @@ TEST_F(ApiLifecycle, RelaysFailBeforeInitWithoutTouchingTheSdk)
     });
 }
 
-// A listener hears its events until it is unregistered; UnInit drops the rest.
-TEST_F(ApiLifecycle, ListenersHearTheirEventsUntilUnregisteredOrUnInit)
+// A second Init finds the running library; a listener hears its events until it is unregistered
+// and UnInit drops the rest; Init after UnInit starts afresh whatever the SDK answers.
+TEST_F(ApiLifecycle, InitUnInitAndTheListenersInBetween)
 {
-    ASSERT_EQ(-1, InitHere());
+    EXPECT_EQ(-1, InitHere());
+    EXPECT_EQ(-1, InitHere()) << "a second Init finds the running library";
     ASSERT_EQ(0, RegisterTLTypeUpdateListener(&host));
     ASSERT_EQ(0, RegisterLayoutUpdateListener(&host));
     ASSERT_EQ(0, RegisterLoggerUpdateListener(&host));
@@ -349,7 +334,14 @@ TEST_F(ApiLifecycle, ListenersHearTheirEventsUntilUnregisteredOrUnInit)
     EXPECT_EQ(0, UnInit());
     SetImgLayout(static_cast<LAYOUT_TYPE>(5));
     VLogInfo("host", "after shutdown", 1);
-
     EXPECT_THAT(host.Events(), ElementsAre("mask 8", "language German", "layout 4"));
     EXPECT_EQ(static_cast<LAYOUT_TYPE>(5), GetImgLayout());
+
+    Scripted::ScriptedSdk::Instance().SetInitResult(ZYLGENICAM::SDK_ERROR);
+    EXPECT_EQ(-1, InitHere()) << "the SDK's own result is not passed on";
+    EXPECT_EQ(15u, GetTLTypeList()) << "the new device manager starts with the default mask";
+    EXPECT_EQ(0, UnInit());
+    const Scripted::SdkCounters sdk = Scripted::ScriptedSdk::Instance().Counters();
+    EXPECT_EQ(3u, sdk.inits);
+    EXPECT_EQ(2u, sdk.uninits);
 }

@@ -6,6 +6,7 @@
 #include "support/common/CameraLogRecorder.h"
 #include "support/common/DeviceScriptedDevices.h"
 #include "support/common/ScriptedDeviceManagerTest.h"
+#include "support/common/WaitUntil.h"
 
 using DeviceScripted::AddGigECamera;
 using Events = DeviceEventRecorder::Events;
@@ -77,14 +78,10 @@ TEST_F(DeviceManagerTest, RenamedCameraIsAnnouncedAndFoundByOldKeyAndNewName)
 // answer -2, and so does a show-mode camera even after a change.
 TEST_F(DeviceManagerTest, ModeChangesReachOnlyCamerasOfTheirKind)
 {
-    Scripted::DeviceDescription showMode =
-        DeviceScripted::GigECamera("Q1", "Show", "169.254.10.30", "02:00:00:00:00:03");
+    Scripted::DeviceDescription showMode = Scripted::AreaCamera("Q1", "Show", ZYLGENICAM::TL_SIMULATED);
     showMode.identity.modelName = "QV-RM100";
     Scripted::ScriptedSdk::Instance().AddDevice(showMode);
-    Scripted::DeviceDescription profile = Scripted::ProfileCamera("F100", "Profile", ZYLGENICAM::TL_GIGE);
-    profile.identity.ip = "169.254.10.40";
-    profile.identity.mac = "02:00:00:00:00:04";
-    Scripted::ScriptedSdk::Instance().AddDevice(profile);
+    Scripted::ScriptedSdk::Instance().AddDevice(Scripted::ProfileCamera("F100", "Profile", ZYLGENICAM::TL_SIMULATED));
     AddGigECamera("A1", "Plain", "169.254.10.20", "02:00:00:00:00:01");
     ASSERT_TRUE(bench.RunPass());
 
@@ -108,6 +105,8 @@ TEST_F(DeviceManagerTest, ModeChangesReachOnlyCamerasOfTheirKind)
     EXPECT_EQ(events.imageModes, std::vector<std::string>{"Profile(F100)=3"});
 }
 
+// A manager released while a camera grabs and a pass runs announces nothing, drops the pass and
+// still closes the camera and gives every SDK object back.
 TEST_F(DeviceManagerTest, NothingIsAnnouncedWhileTheManagerShutsDown)
 {
     auto& device = AddGigECamera("A1", "Busy", "169.254.10.20", "02:00:00:00:00:01");
@@ -116,11 +115,17 @@ TEST_F(DeviceManagerTest, NothingIsAnnouncedWhileTheManagerShutsDown)
     ASSERT_EQ(Manager().OpenCamera("Busy(A1)"), 0);
     ASSERT_EQ(Manager().StartGrab("Busy(A1)"), 0);
     ASSERT_TRUE(device.WaitUntil([](const Scripted::DeviceCounters& c) { return c.imagesReleased == 3; }));
+    Scripted::ScriptedSdk::Instance().SetDiscoveryDelay(std::chrono::milliseconds(500));
+    Manager().RefreshDeviceList(1);
+    ASSERT_TRUE(WaitUntil([] { return Scripted::ScriptedSdk::Instance().Counters().discoveries >= 2; }));
     bench.Events().Clear();
     bench.ReleaseManager();
     Events events = bench.Events().Snapshot();
-    EXPECT_TRUE(events.deviceLists.empty()) << "closing a camera normally announces it";
+    EXPECT_TRUE(events.deviceLists.empty()) << "neither the dropped pass nor the closing camera announce";
     EXPECT_EQ(events.images, 0u) << "not even the empty frame a stop sends";
     EXPECT_EQ(device.Counters().closes, 1u) << "the camera was closed all the same";
     EXPECT_EQ(device.Counters().ImagesOutstanding(), 0u);
+    EXPECT_EQ(device.Counters().recordsCreated, device.Counters().recordsDestroyed);
+    EXPECT_EQ(device.Counters().camerasCreated, device.Counters().camerasDestroyed);
+    EXPECT_EQ(Scripted::ScriptedSdk::Instance().Counters().misuses, 0u);
 }

@@ -1,14 +1,13 @@
 #include "support/common/DeviceEventRecorder.h"
 
+#include <algorithm>
+
 #include "ZylImage.h"
 #include "events/EventManager.h"
 
 std::size_t DeviceEventRecorder::Events::WholeLists() const
 {
-    std::size_t count = 0;
-    for (const DeviceList& list : deviceLists)
-        count += list.kind == 0 ? 1 : 0;
-    return count;
+    return std::count_if(deviceLists.begin(), deviceLists.end(), [](const DeviceList& list) { return list.kind == 0; });
 }
 
 DeviceEventRecorder::DeviceList DeviceEventRecorder::Events::LastWholeList() const

@@ -39,8 +39,6 @@ public:
     // Registers with every list of the process's event manager; unregisters when destroyed.
     DeviceEventRecorder();
     ~DeviceEventRecorder() override;
-    DeviceEventRecorder(const DeviceEventRecorder&) = delete;
-    DeviceEventRecorder& operator=(const DeviceEventRecorder&) = delete;
 
     Events Snapshot() const;
     bool WaitUntil(const std::function<bool(const Events&)>& condition,

@@ -21,8 +21,6 @@ public:
     DeviceTestBench();
     // Releases the manager (threads stopped, devices closed), then leaves the namespace.
     ~DeviceTestBench();
-    DeviceTestBench(const DeviceTestBench&) = delete;
-    DeviceTestBench& operator=(const DeviceTestBench&) = delete;
 
     // False with a reason when no namespace could be made (tests skip then).
     bool Ready() const { return m_ready; }
