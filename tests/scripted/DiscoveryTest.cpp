@@ -7,9 +7,7 @@
 #include <thread>
 
 #include "device/DeviceManager.h"
-#include "support/common/CameraTestHost.h"
 #include "support/common/DeviceScriptedDevices.h"
-#include "support/common/DeviceTestBench.h"
 #include "support/common/ScriptedDeviceManagerTest.h"
 #include "support/common/WaitUntil.h"
 

@@ -30,11 +30,6 @@ void DeviceTestBench::ReleaseManager()
     ZYLGENICAM::UnInit();
 }
 
-DeviceManager& DeviceTestBench::Manager()
-{
-    return *m_manager;
-}
-
 bool DeviceTestBench::RunPass(int types)
 {
     std::size_t before = m_events.Snapshot().WholeLists();

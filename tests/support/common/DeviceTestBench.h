@@ -26,7 +26,7 @@ public:
     bool Ready() const { return m_ready; }
     std::string Failure() const { return m_namespace.Failure(); }
 
-    DeviceManager& Manager();
+    DeviceManager& Manager() { return *m_manager; }
     DeviceEventRecorder& Events() { return m_events; }
 
     // Asks for a refresh and waits for the pass's whole-list notification.
