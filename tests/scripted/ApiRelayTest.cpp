@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <functional>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -86,42 +85,27 @@ private:
 class RoiListener : public IROIDrawUpdate {
 public:
     RoiListener(int answerIndex, bool answerResult, bool fails = false)
-        : m_answerIndex(answerIndex), m_answerResult(answerResult), m_fails(fails)
+        : answerIndex(answerIndex), answerResult(answerResult), fails(fails)
     {
     }
 
     void OnROIDrawUpdate(std::string id, int x, int y, int width, int height, int operation, int& index, bool& result,
                          int extra1, int extra2) override
     {
-        if (m_fails)
+        if (fails)
             throw std::runtime_error("host listener failed");
         calls.push_back(Line(id, x, y, width, height, "op", operation, "index", index, "extras", extra1, extra2));
-        index = m_answerIndex;
-        result = m_answerResult;
+        index = answerIndex;
+        result = answerResult;
     }
 
+    const int answerIndex;
+    const bool answerResult;
+    const bool fails;
     std::vector<std::string> calls;
-
-private:
-    int m_answerIndex;
-    bool m_answerResult;
-    bool m_fails;
 };
 
 const std::string ListedCamera = "Line3(A1)";
-
-// UnInit leaves the released manager behind on purpose, so only a process that never
-// called Init is "before Init": such a test runs in a fresh copy of the test program
-// (death tests re-run the program, see TestMain).
-void InFreshProcess(const std::function<void()>& body)
-{
-    EXPECT_EXIT(
-        {
-            body();
-            std::exit(::testing::Test::HasFailure() ? 1 : 0);
-        },
-        ::testing::ExitedWithCode(0), "");
-}
 
 // The answers of the device relays for a camera or card nobody listed: the same
 // before Init (no device manager yet) as after it.
@@ -298,19 +282,25 @@ TEST_F(ApiRelay, AThrowingListenerBecomesTheGenericFailure)
     EXPECT_EQ(0, DrawROI(ListedCamera, 1, 2, 3, 4, index, result, 0, 0));
 }
 
+// UnInit leaves the released manager behind on purpose, so only a process that never called
+// Init is "before Init": this test runs in a fresh copy of the test program (death tests re-run
+// the program, see TestMain).
 TEST_F(ApiLifecycle, RelaysFailBeforeInitWithoutTouchingTheSdk)
 {
-    InFreshProcess([] {
-        ExpectUnknownDeviceFailures();
-        std::list<std::string> protocols;
-        std::list<std::string> serials;
-        EXPECT_EQ(-1, GetCLProtocolsAndSerials(protocols, serials));
-        EXPECT_EQ(~0ULL, GetTLTypeList());
-        EXPECT_EQ(-1, RefreshCameraList(1));
-        EXPECT_EQ(0, SetTLTypeList(8));
-        EXPECT_EQ(0, SetFocus(FOCUS_CAMERA, "Line3(A1)"));
-        EXPECT_EQ(0u, Scripted::ScriptedSdk::Instance().Counters().discoveries);
-    });
+    EXPECT_EXIT(
+        {
+            ExpectUnknownDeviceFailures();
+            std::list<std::string> protocols;
+            std::list<std::string> serials;
+            EXPECT_EQ(-1, GetCLProtocolsAndSerials(protocols, serials));
+            EXPECT_EQ(~0ULL, GetTLTypeList());
+            EXPECT_EQ(-1, RefreshCameraList(1));
+            EXPECT_EQ(0, SetTLTypeList(8));
+            EXPECT_EQ(0, SetFocus(FOCUS_CAMERA, "Line3(A1)"));
+            EXPECT_EQ(0u, Scripted::ScriptedSdk::Instance().Counters().discoveries);
+            std::exit(::testing::Test::HasFailure() ? 1 : 0);
+        },
+        ::testing::ExitedWithCode(0), "");
 }
 
 // A second Init finds the running library; a listener hears its events until it is unregistered
