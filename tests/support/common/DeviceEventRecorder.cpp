@@ -39,24 +39,14 @@ DeviceEventRecorder::~DeviceEventRecorder()
 template <typename Change>
 void DeviceEventRecorder::Record(Change change)
 {
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        change(m_events);
-    }
-    m_changed.notify_all();
+    std::lock_guard<std::mutex> lock(m_mutex);
+    change(m_events);
 }
 
 DeviceEventRecorder::Events DeviceEventRecorder::Snapshot() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_events;
-}
-
-bool DeviceEventRecorder::WaitUntil(const std::function<bool(const Events&)>& condition,
-                                    std::chrono::milliseconds timeout) const
-{
-    std::unique_lock<std::mutex> lock(m_mutex);
-    return m_changed.wait_for(lock, timeout, [&] { return condition(m_events); });
 }
 
 void DeviceEventRecorder::Clear()

@@ -3,9 +3,6 @@
 // Images are released at once, as a host would after drawing them.
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
-#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -41,8 +38,6 @@ public:
     ~DeviceEventRecorder() override;
 
     Events Snapshot() const;
-    bool WaitUntil(const std::function<bool(const Events&)>& condition,
-                   std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
     void Clear();
 
     void OnDeviceListUpdate(int kind, std::vector<std::string> first, std::vector<std::string> second) override;
@@ -56,6 +51,5 @@ private:
     void Record(Change change);
 
     mutable std::mutex m_mutex;
-    mutable std::condition_variable m_changed;
     Events m_events;
 };
