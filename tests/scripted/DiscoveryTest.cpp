@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <thread>
 
 #include "device/DeviceManager.h"
 #include "support/common/DeviceScriptedDevices.h"
@@ -153,8 +152,9 @@ TEST_F(DiscoveryTest, RefreshRequestsShareTheOneDiscoveryThread)
     ASSERT_EQ(Manager().CloseCamera("Cam(A1)"), 0);
     Manager().RefreshDeviceList(1);
     ASSERT_TRUE(bench.WaitForPasses(5));
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    EXPECT_EQ(ScriptedSdk::Instance().Counters().discoveries, 5u);
+    EXPECT_FALSE(
+        WaitUntil([] { return ScriptedSdk::Instance().Counters().discoveries > 5; }, std::chrono::milliseconds(500)))
+        << "no further pass follows";
     EXPECT_EQ(bench.Events().Snapshot().WholeLists(), 5u);
 }
 
