@@ -1,14 +1,13 @@
 #include "support/common/DeviceEventRecorder.h"
 
+#include <algorithm>
+
 #include "ZylImage.h"
 #include "events/EventManager.h"
 
 std::size_t DeviceEventRecorder::Events::WholeLists() const
 {
-    std::size_t count = 0;
-    for (const DeviceList& list : deviceLists)
-        count += list.kind == 0 ? 1 : 0;
-    return count;
+    return std::count_if(deviceLists.begin(), deviceLists.end(), [](const DeviceList& list) { return list.kind == 0; });
 }
 
 DeviceEventRecorder::DeviceList DeviceEventRecorder::Events::LastWholeList() const
@@ -40,24 +39,14 @@ DeviceEventRecorder::~DeviceEventRecorder()
 template <typename Change>
 void DeviceEventRecorder::Record(Change change)
 {
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        change(m_events);
-    }
-    m_changed.notify_all();
+    std::lock_guard<std::mutex> lock(m_mutex);
+    change(m_events);
 }
 
 DeviceEventRecorder::Events DeviceEventRecorder::Snapshot() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_events;
-}
-
-bool DeviceEventRecorder::WaitUntil(const std::function<bool(const Events&)>& condition,
-                                    std::chrono::milliseconds timeout) const
-{
-    std::unique_lock<std::mutex> lock(m_mutex);
-    return m_changed.wait_for(lock, timeout, [&] { return condition(m_events); });
 }
 
 void DeviceEventRecorder::Clear()
@@ -73,17 +62,17 @@ void DeviceEventRecorder::OnDeviceListUpdate(int kind, std::vector<std::string> 
 
 void DeviceEventRecorder::OnCameraIdUpdate(std::string oldId, std::string newName)
 {
-    Record([&](Events& events) { events.cameraIds.push_back({oldId, newName}); });
+    Record([&](Events& events) { events.cameraIds.push_back(oldId + "=" + newName); });
 }
 
 void DeviceEventRecorder::OnImageModeUpdate(std::string cameraKey, int imageMode)
 {
-    Record([&](Events& events) { events.imageModes.push_back({cameraKey, std::to_string(imageMode)}); });
+    Record([&](Events& events) { events.imageModes.push_back(cameraKey + "=" + std::to_string(imageMode)); });
 }
 
 void DeviceEventRecorder::OnSLImageShowModeUpdate(std::string cameraId, int showMode)
 {
-    Record([&](Events& events) { events.showModes.push_back({cameraId, std::to_string(showMode)}); });
+    Record([&](Events& events) { events.showModes.push_back(cameraId + "=" + std::to_string(showMode)); });
 }
 
 void DeviceEventRecorder::OnImageUpdate(std::string /*cameraKey*/, void* image, int /*extra1*/, int /*extra2*/)

@@ -3,9 +3,6 @@
 // Images are released at once, as a host would after drawing them.
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
-#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -23,15 +20,12 @@ public:
         std::vector<std::string> first;
         std::vector<std::string> second;
     };
-    struct Pair {
-        std::string first;
-        std::string second;
-    };
     struct Events {
         std::vector<DeviceList> deviceLists;
-        std::vector<Pair> cameraIds;  // (old id, new name)
-        std::vector<Pair> imageModes; // (key, mode)
-        std::vector<Pair> showModes;  // (id, mode)
+        // "old id=new name", "key=mode", "id=mode"
+        std::vector<std::string> cameraIds;
+        std::vector<std::string> imageModes;
+        std::vector<std::string> showModes;
         std::size_t images = 0;
 
         std::size_t WholeLists() const;
@@ -42,12 +36,8 @@ public:
     // Registers with every list of the process's event manager; unregisters when destroyed.
     DeviceEventRecorder();
     ~DeviceEventRecorder() override;
-    DeviceEventRecorder(const DeviceEventRecorder&) = delete;
-    DeviceEventRecorder& operator=(const DeviceEventRecorder&) = delete;
 
     Events Snapshot() const;
-    bool WaitUntil(const std::function<bool(const Events&)>& condition,
-                   std::chrono::milliseconds timeout = std::chrono::seconds(10)) const;
     void Clear();
 
     void OnDeviceListUpdate(int kind, std::vector<std::string> first, std::vector<std::string> second) override;
@@ -61,6 +51,5 @@ private:
     void Record(Change change);
 
     mutable std::mutex m_mutex;
-    mutable std::condition_variable m_changed;
     Events m_events;
 };

@@ -3,6 +3,7 @@
 #include "ZylSdk.h"
 #include "device/DeviceManager.h"
 #include "support/common/ApplicationDirectoryScope.h"
+#include "support/common/WaitUntil.h"
 
 DeviceTestBench::DeviceTestBench() : m_namespace({NetworkNamespace::Veth{"vb3a", "vb3b", "169.254.10.1", 16, ""}})
 {
@@ -30,11 +31,6 @@ void DeviceTestBench::ReleaseManager()
     ZYLGENICAM::UnInit();
 }
 
-DeviceManager& DeviceTestBench::Manager()
-{
-    return *m_manager;
-}
-
 bool DeviceTestBench::RunPass(int types)
 {
     std::size_t before = m_events.Snapshot().WholeLists();
@@ -44,6 +40,5 @@ bool DeviceTestBench::RunPass(int types)
 
 bool DeviceTestBench::WaitForPasses(std::size_t count)
 {
-    return m_events.WaitUntil(
-        [count](const DeviceEventRecorder::Events& events) { return events.WholeLists() >= count; });
+    return WaitUntil([&] { return m_events.Snapshot().WholeLists() >= count; });
 }

@@ -21,14 +21,12 @@ public:
     DeviceTestBench();
     // Releases the manager (threads stopped, devices closed), then leaves the namespace.
     ~DeviceTestBench();
-    DeviceTestBench(const DeviceTestBench&) = delete;
-    DeviceTestBench& operator=(const DeviceTestBench&) = delete;
 
     // False with a reason when no namespace could be made (tests skip then).
     bool Ready() const { return m_ready; }
     std::string Failure() const { return m_namespace.Failure(); }
 
-    DeviceManager& Manager();
+    DeviceManager& Manager() { return *m_manager; }
     DeviceEventRecorder& Events() { return m_events; }
 
     // Asks for a refresh and waits for the pass's whole-list notification.

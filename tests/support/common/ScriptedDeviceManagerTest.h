@@ -5,17 +5,27 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "support/common/DeviceTestBench.h"
+#include "support/common/RequireEnvironment.h"
+#include "support/scripted/ScriptedSdk.h"
 
 class ScriptedDeviceManagerTest : public ::testing::Test {
 protected:
-    void SetUp() override;
+    void SetUp() override
+    {
+        VB3_REQUIRE(bench.Ready(), bench.Failure());
+        Scripted::ScriptedSdk::Instance().Reset();
+    }
 
     DeviceManager& Manager() { return bench.Manager(); }
-    static bool Contains(const std::vector<std::string>& keys, const std::string& key);
+    static bool Contains(const std::vector<std::string>& keys, const std::string& key)
+    {
+        return std::find(keys.begin(), keys.end(), key) != keys.end();
+    }
 
     DeviceTestBench bench;
 };
