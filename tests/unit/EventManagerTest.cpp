@@ -13,22 +13,21 @@ using namespace ViewerBiz3;
 namespace {
 
 // One host object that listens to everything and writes down what it heard.
-class RecordingListener : public ITLTypeUpdate,
-                          public IDeviceListUpdate,
-                          public IFocusUpdate,
-                          public ILayoutUpdate,
-                          public IImageUpdate,
-                          public IImageModeUpdate,
-                          public ISLImageShowModeUpdate,
-                          public IAcqStatisticUpdate,
-                          public ITimerNodeUpdate,
-                          public IImportUpdate,
-                          public ILoggerUpdate,
-                          public IROIDrawUpdate,
-                          public ICorrectionUpdate,
-                          public ILangUpdate,
-                          public ICameraIdUpdate {
-public:
+struct RecordingListener : public ITLTypeUpdate,
+                           public IDeviceListUpdate,
+                           public IFocusUpdate,
+                           public ILayoutUpdate,
+                           public IImageUpdate,
+                           public IImageModeUpdate,
+                           public ISLImageShowModeUpdate,
+                           public IAcqStatisticUpdate,
+                           public ITimerNodeUpdate,
+                           public IImportUpdate,
+                           public ILoggerUpdate,
+                           public IROIDrawUpdate,
+                           public ICorrectionUpdate,
+                           public ILangUpdate,
+                           public ICameraIdUpdate {
     void OnTLTypeUpdate(unsigned long long mask) override { Record("tl " + std::to_string(mask)); }
     void OnDeviceListUpdate(int, std::vector<std::string>, std::vector<std::string>) override { Record("devices"); }
     void OnFocusUpdate(FOCUS_TYPE type, std::string id) override { Record("focus " + std::to_string(type) + " " + id); }
@@ -45,12 +44,8 @@ public:
     void OnLangUpdate(std::string language) override { Record("lang " + language); }
     void OnCameraIdUpdate(std::string oldId, std::string) override { Record("cameraId " + oldId); }
 
-    std::vector<std::string> Events() const { return m_events; }
-
-private:
-    void Record(const std::string& event) { m_events.push_back(event); }
-
-    std::vector<std::string> m_events;
+    void Record(const std::string& event) { heard.push_back(event); }
+    std::vector<std::string> heard;
 };
 
 // How a test reaches one of the sixteen lists through the registry's own members.
@@ -117,37 +112,34 @@ std::vector<ListAccess> AllLists()
     };
 }
 
-class EveryListenerList : public ::testing::TestWithParam<ListAccess> {
-protected:
-    EventManager events;
-};
+using EveryListenerList = ::testing::TestWithParam<ListAccess>;
 
-// Registering twice means hearing twice until one unregister removes both;
-// unregistering a stranger changes nothing; ClearAll silences the list yet it
-// takes new listeners afterwards, which hear this list's notification and no other.
+// Registering twice means hearing twice until one unregister removes both; unregistering a stranger changes nothing;
+// ClearAll silences the list yet it takes new listeners afterwards, which hear this list's notification and no other.
 TEST_P(EveryListenerList, RegistrationsCountUntilUnregisteredOrCleared)
 {
     const ListAccess& list = GetParam();
+    EventManager events;
     RecordingListener host, stranger;
     EXPECT_EQ(0, list.add(events, &host));
     EXPECT_EQ(0, list.add(events, &host));
     EXPECT_EQ(0, list.remove(events, &stranger));
     list.notify(events);
-    ASSERT_EQ(2u, host.Events().size());
-    EXPECT_EQ(host.Events()[0], host.Events()[1]);
+    ASSERT_EQ(2u, host.heard.size());
+    EXPECT_EQ(host.heard[0], host.heard[1]);
     EXPECT_EQ(0, list.remove(events, &host)); // both registrations go
     list.notify(events);
-    EXPECT_EQ(2u, host.Events().size());
+    EXPECT_EQ(2u, host.heard.size());
 
     EXPECT_EQ(0, list.add(events, &host));
     events.ClearAll();
     list.notify(events);
-    EXPECT_EQ(2u, host.Events().size());
+    EXPECT_EQ(2u, host.heard.size());
     EXPECT_EQ(0, list.add(events, &stranger));
     for (const ListAccess& any : AllLists()) {
         any.notify(events);
     }
-    EXPECT_EQ(std::vector<std::string>{host.Events()[0]}, stranger.Events());
+    EXPECT_EQ(std::vector<std::string>{host.heard[0]}, stranger.heard);
 }
 
 INSTANTIATE_TEST_SUITE_P(Registry, EveryListenerList, ::testing::ValuesIn(AllLists()),
@@ -168,7 +160,7 @@ TEST(ListenerConcurrency, ListenerMayChangeOtherListsFromInsideItsCallback)
 
     events.NotifyLayoutUpdateListener(LAYOUT_DEFAULT);
     events.NotifyLangUpdateListener("German");
-    EXPECT_TRUE(language.Events().empty());
+    EXPECT_TRUE(language.heard.empty());
 }
 
 // A viewer may show or hide a view while cameras grab: the image list changes under running

@@ -32,9 +32,8 @@ protected:
 
 } // namespace
 
-// FuzzCameraParameterLoader: a header line without its "]" used to put the
-// keys below it under a name running into the next line, and every save wrote
-// that name back one line longer.
+// FuzzCameraParameterLoader: a header line without its "]" used to put the keys below it under a name running into the
+// next line, and every save wrote that name back one line longer.
 TEST_F(FuzzRegressionTest, UnterminatedCameraSectionHeaderNamesItsSectionAndStopsGrowingTheFile)
 {
     const std::string path = directory.File("CameraParameters.ini");

@@ -15,16 +15,10 @@ using namespace GenApi;
 
 namespace {
 
-std::unique_ptr<INodeMap> LoadFeatures()
-{
-    const std::string xml = ReadTextFile(std::string(VB3_TEST_DATA_DIR) + "/genapi_features.xml");
-    EXPECT_FALSE(xml.empty());
-    return CreateNodeMapFromXml(xml, "GenApiTestDevice");
-}
-
 class GenApiNodeMap : public ::testing::Test {
 protected:
-    std::unique_ptr<INodeMap> nodeMap = LoadFeatures();
+    std::unique_ptr<INodeMap> nodeMap =
+        CreateNodeMapFromXml(ReadTextFile(std::string(VB3_TEST_DATA_DIR) + "/genapi_features.xml"), "GenApiTestDevice");
 };
 
 } // namespace

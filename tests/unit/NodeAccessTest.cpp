@@ -1,4 +1,5 @@
 // Typed node access by name as the camera objects use it: text in, text out, fixed codes and messages.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -31,23 +32,18 @@ protected:
     int IntInfo(const std::string& name) { return GetIntNodeInfo(nodeMap.get(), name, value, min, max, inc, message); }
     std::string Read(const std::string& name)
     {
-        std::string text;
-        std::string ignored;
+        std::string text, ignored;
         EXPECT_EQ(GetNodeValue(nodeMap.get(), name, text, ignored), 0) << name << ": " << ignored;
         return text;
     }
     // Each call of the family fails the same way and leaves the caller's outputs alone.
     void ExpectEveryCallFails(GenApi::INodeMap* map, const std::string& name, int code, const std::string& text)
     {
-        message.clear();
-        EXPECT_EQ(GetNodeValue(map, name, value, message), code) << name;
-        EXPECT_EQ(message, text) << name;
-        message.clear();
-        EXPECT_EQ(SetNodeValue(map, name, "1", message), code) << name;
-        EXPECT_EQ(message, text) << name;
-        message.clear();
-        EXPECT_EQ(GetIntNodeInfo(map, name, value, min, max, inc, message), code) << name;
-        EXPECT_EQ(message, text) << name;
+        std::string messages[3];
+        EXPECT_EQ(GetNodeValue(map, name, value, messages[0]), code) << name;
+        EXPECT_EQ(SetNodeValue(map, name, "1", messages[1]), code) << name;
+        EXPECT_EQ(GetIntNodeInfo(map, name, value, min, max, inc, messages[2]), code) << name;
+        EXPECT_THAT(messages, ::testing::Each(text)) << name;
         EXPECT_EQ(value + min + max + inc, "beforemMi") << name;
     }
 };
