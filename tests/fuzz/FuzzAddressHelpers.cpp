@@ -1,6 +1,5 @@
-// The dotted-address helpers on arbitrary text: the first byte is the delimiter
-// StringSplit cuts the rest at; the rest, cut at newlines, gives two address/mask
-// pairs. The pieces join back into the text; a network part is empty or an address.
+// The dotted-address helpers: the first byte is the delimiter StringSplit cuts the rest at, whose lines give two
+// address/mask pairs. The pieces join back into the text; a network part is empty or an address.
 #include <arpa/inet.h>
 
 #include <cstddef>

@@ -1,6 +1,5 @@
-// Arbitrary bytes as "CameraParameters.ini" through the profile camera
-// loader's round trip (FuzzIniRoundTrip), for two cameras: one with a fixed
-// key, one keyed by the file's first section.
+// Arbitrary bytes as "CameraParameters.ini" through the profile camera loader's round trip (FuzzIniRoundTrip),
+// for two cameras: one with a fixed key, one keyed by the file's first section.
 #include <cstddef>
 #include <cstdint>
 #include <memory>

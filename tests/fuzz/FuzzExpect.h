@@ -1,5 +1,4 @@
-// A property every input must keep: a violation stops the run the way a crash
-// does, so libFuzzer saves the input that caused it.
+// A broken property aborts the run like a crash, so libFuzzer keeps the input that caused it.
 #pragma once
 
 #include <cstdio>

@@ -1,7 +1,5 @@
-// The three node-access functions on arbitrary node names and values over the
-// node map of the GenApi tests, built once. The input is "name\nvalue" (no
-// newline: all of it is the name). Every call answers a documented code, and an
-// integer node that can be read reports a value inside its own range.
+// The node-access functions on the GenApi tests' node map with input "name\nvalue" (no newline: all name): every
+// call answers a documented code, and a readable integer node reports a value inside its own range.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -11,14 +9,14 @@
 #include <vector>
 
 #include "FuzzExpect.h"
-#include "FuzzWorkspace.h"
 #include "genapi/NodeMapFactory.h"
 #include "node/NodeAccess.h"
+#include "support/common/TextFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size)
 {
     static const std::unique_ptr<GenApi_3_4::INodeMap> nodeMap =
-        GenApi_3_4::CreateNodeMapFromXml(FileText(VB3_TEST_DATA_DIR "/genapi_features.xml"), "FuzzDevice");
+        GenApi_3_4::CreateNodeMapFromXml(ReadTextFile(VB3_TEST_DATA_DIR "/genapi_features.xml"), "FuzzDevice");
     const std::string input(reinterpret_cast<const char*>(data), size);
     const std::size_t newline = input.find('\n');
     const std::string name = input.substr(0, newline);

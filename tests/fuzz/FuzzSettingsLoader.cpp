@@ -1,5 +1,4 @@
-// Arbitrary bytes as "Configuration.ini" through the settings loader's round
-// trip (FuzzIniRoundTrip); the library owns the [User] section only.
+// Arbitrary bytes as "Configuration.ini" through the settings loader's round trip; the library owns [User] only.
 #include <strings.h>
 
 #include <cstddef>

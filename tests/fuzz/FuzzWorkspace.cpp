@@ -1,50 +1,33 @@
 #include "FuzzWorkspace.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "FuzzExpect.h"
 #include "log/Log.h"
 #include "settings/IniFile.h"
+#include "support/common/TempDirectory.h"
+#include "support/common/TextFile.h"
 
 namespace {
 
-struct ApplicationDirectory {
+struct ApplicationDirectory : TempDirectory {
     ApplicationDirectory()
     {
-        path = (std::filesystem::temp_directory_path() / "vb3-fuzz-XXXXXX").string();
-        FuzzExpect(mkdtemp(path.data()) != nullptr, "a private temporary directory can be created");
-        FuzzExpect(path.size() < sizeof(libraryPath), "the temporary directory fits the application directory");
-        std::snprintf(libraryPath, sizeof(libraryPath), "%s", path.c_str());
+        FuzzExpect(Path().size() < sizeof(libraryPath), "the temporary directory fits the application directory");
+        std::snprintf(libraryPath, sizeof(libraryPath), "%s", Path().c_str());
     }
-    ~ApplicationDirectory()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-    std::string path;
 };
 
 } // namespace
-
-std::string FileText(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-}
 
 void FuzzIniRoundTrip(const std::string& name, const uint8_t* data, std::size_t size,
                       const std::function<bool(const std::string& section)>& owns,
                       const std::function<HeldValues(const SectionKeys& keys, bool save)>& load)
 {
     static const ApplicationDirectory directory;
-    const std::string path = directory.path + "/" + name;
+    const std::string path = directory.File(name);
     const std::string input(reinterpret_cast<const char*>(data), size);
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << input;
-    FuzzExpect(FileText(path) == input, "the input file can be written");
+    WriteTextFile(path, input);
 
     SectionKeys keys;
     const bool loadable = IniFile::Read(path, [&keys](const IniFile::Store& store) {
@@ -59,7 +42,7 @@ void FuzzIniRoundTrip(const std::string& name, const uint8_t* data, std::size_t 
     });
     const HeldValues held = load(keys, true);
     if (!loadable) {
-        FuzzExpect(FileText(path) == input, "a file the loader cannot read is left untouched");
+        FuzzExpect(ReadTextFile(path) == input, "a file the loader cannot read is left untouched");
         return;
     }
     const bool readable = IniFile::Read(path, [&keys, &owns](const IniFile::Store& store) {

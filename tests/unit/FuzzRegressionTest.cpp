@@ -7,7 +7,6 @@
 
 #include "camera/Camera.h"
 #include "device/ProfileCameraSettings.h"
-#include "settings/ParameterManager.h"
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/TempDirectory.h"
 #include "support/common/TextFile.h"
@@ -33,9 +32,8 @@ protected:
 
 } // namespace
 
-// FuzzCameraParameterLoader: a header line without its "]" used to put the
-// keys below it under a name running into the next line, and every save wrote
-// that name back one line longer.
+// FuzzCameraParameterLoader: a header line without its "]" used to put the keys below it under a name running into the
+// next line, and every save wrote that name back one line longer.
 TEST_F(FuzzRegressionTest, UnterminatedCameraSectionHeaderNamesItsSectionAndStopsGrowingTheFile)
 {
     const std::string path = directory.File("CameraParameters.ini");
@@ -50,15 +48,4 @@ TEST_F(FuzzRegressionTest, UnterminatedCameraSectionHeaderNamesItsSectionAndStop
     SaveProfileCameraSettings(camera.get());
     EXPECT_EQ(ReadTextFile(path), afterFirstSave) << "saving again changes nothing";
     EXPECT_NE(afterFirstSave.find("[LP-3000(Folor = 0]\nkey = kept\n"), std::string::npos) << afterFirstSave;
-}
-
-TEST_F(FuzzRegressionTest, SettingsUnderAnUnterminatedUserHeaderAreRead)
-{
-    WriteTextFile(directory.File("Configuration.ini"), "\xEF\xBB\xBF[User\r\nLayout = 3\r\nLanguage = Chinese\r\n");
-    m_parameterManager.loadIniFile();
-    EXPECT_EQ(m_parameterManager.GetLayoutType(), 3);
-    EXPECT_EQ(m_parameterManager.GetLanguage(), "Chinese");
-
-    m_parameterManager.saveIniFile();
-    EXPECT_NE(ReadTextFile(directory.File("Configuration.ini")).find("[User]"), std::string::npos);
 }
