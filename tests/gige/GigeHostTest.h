@@ -1,12 +1,12 @@
 // The library as a host drives it, inside this program's private network namespace: started, with
 // a temporary application directory, looking for GigE cameras, listening to device lists and log
-// lines. TearDown closes
-// every camera still open (images reach the host without a lock, so none may still deliver while
-// UnInit takes the listeners away) and stops the library.
+// lines. TearDown closes every camera still open (images reach the host without a lock, so none
+// may still deliver while UnInit takes the listeners away) and stops the library.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
@@ -29,22 +29,13 @@ public:
     static constexpr int GigE = 1;
     static constexpr int Simulated = 8;
 
-    void OnDeviceListUpdate(int kind, std::vector<std::string> adapters, std::vector<std::string> cameras) override
+    void OnDeviceListUpdate(int kind, std::vector<std::string>, std::vector<std::string> cameras) override
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         if (kind == 0) {
-            m_adapters = std::move(adapters);
             m_cameras = std::move(cameras);
             ++m_lists;
         }
-    }
-
-private:
-    template <typename Read>
-    auto Locked(Read read)
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        return read();
     }
 
 protected:
@@ -80,20 +71,16 @@ protected:
     std::string WaitForListed(const std::string& serialNumber, int types = GigE)
     {
         for (int pass = 0; pass < 10; ++pass) {
-            const int lists = Locked([&] { return m_lists; });
+            const int lists = m_lists.load();
             ViewerBiz3::RefreshCameraList(types);
-            if (!WaitUntil([&] { return Locked([&] { return m_lists; }) > lists; }))
+            if (!WaitUntil([&] { return m_lists.load() > lists; }))
                 return {};
-            for (const std::string& id : Locked([&] { return m_cameras; }))
+            std::lock_guard<std::mutex> lock(m_mutex);
+            for (const std::string& id : m_cameras)
                 if (id.find("(" + serialNumber + ")") != std::string::npos)
                     return id;
         }
         return {};
-    }
-
-    std::vector<std::string> ListedAdapters()
-    {
-        return Locked([&] { return m_adapters; });
     }
 
     bool m_initialized = false;
@@ -101,8 +88,7 @@ protected:
 
 private:
     std::mutex m_mutex;
-    int m_lists = 0;
-    std::vector<std::string> m_adapters;
+    std::atomic<int> m_lists{0};
     std::vector<std::string> m_cameras;
     TempDirectory m_directory;
     std::unique_ptr<ApplicationDirectoryScope> m_applicationDirectory;

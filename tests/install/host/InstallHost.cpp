@@ -20,11 +20,6 @@ const char* TourNodeMap(GenApi::INodeMap& nodeMap)
     GenApi::FeatureList_t features;
     if (!root.IsValid() || (root->GetFeatures(features), features.empty()))
         return "no category tree";
-    GenApi::CEnumerationPtr pixelFormat = nodeMap.GetNode("PixelFormat");
-    GenApi::StringList_t entries;
-    pixelFormat->GetSymbolics(entries);
-    if (entries.size() < 2 || pixelFormat->ToString() != "Mono8")
-        return "PixelFormat does not enumerate";
     GenApi::CIntegerPtr width = nodeMap.GetNode("Width");
     if (!GenApi::IsReadable(width) || !GenApi::IsWritable(width) || !GenApi::IsAvailable(width))
         return "Width is not read-write";
@@ -34,19 +29,11 @@ const char* TourNodeMap(GenApi::INodeMap& nodeMap)
     if (width->GetValue() != narrower || ViewerBiz3::GetCameraNodeValue(AreaCamera, "Width", text) != 0 ||
         text != std::to_string(narrower))
         return "a Width written through the node map does not read back";
-    // Exceptions thrown inside the library are caught by their installed types.
+    // An exception thrown inside the library is caught by its installed type.
     try {
         width->SetValue(width->GetMax() + width->GetInc());
         return "an out-of-range Width was accepted";
     } catch (const GenICam::OutOfRangeException&) {
-    }
-    try {
-        GenApi::CFloatPtr notAFloat = nodeMap.GetNode("Width");
-        notAFloat->GetValue();
-        return "an empty pointer was dereferenced";
-    } catch (const GenICam::GenericException& error) {
-        if (std::string(error.GetDescription()).empty())
-            return "an exception without description";
     }
     return "";
 }

@@ -1,7 +1,6 @@
 #include "support/common/FakeGigeCamera.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <signal.h>
@@ -45,24 +44,14 @@ bool FakeGigeCamera::Start()
     for (std::string& argument : arguments)
         argv.push_back(argument.data());
     argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    int spawned = posix_spawnp(&m_pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0) {
+    if (posix_spawnp(&m_pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0) {
         m_pid = -1;
         return false;
     }
     // "ip netns exec" execs the camera program, so m_pid is the camera's own.
-    bool exited = false;
-    if (WaitUntil([&] { return AnswersDiscovery() || (exited = waitpid(m_pid, nullptr, WNOHANG) == m_pid); }) &&
-        !exited)
+    if (WaitUntil([&] { return AnswersDiscovery(); }))
         return true;
-    if (exited)
-        m_pid = -1;
-    Kill();
+    Kill(); // reaps it too when it ended on its own
     return false;
 }
 
@@ -75,16 +64,10 @@ void FakeGigeCamera::Kill()
     m_pid = -1;
 }
 
-void FakeGigeCamera::Freeze()
+void FakeGigeCamera::Signal(int signal) const
 {
     if (m_pid > 0)
-        kill(m_pid, SIGSTOP);
-}
-
-void FakeGigeCamera::Thaw()
-{
-    if (m_pid > 0)
-        kill(m_pid, SIGCONT);
+        kill(m_pid, signal);
 }
 
 bool FakeGigeCamera::SetMacAddressLow(uint32_t low)
@@ -105,9 +88,7 @@ bool FakeGigeCamera::Acknowledged(const std::vector<uint8_t>& command, uint16_t 
     int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     if (fd < 0)
         return false;
-    sockaddr_in camera{};
-    camera.sin_family = AF_INET;
-    camera.sin_port = htons(3956);
+    sockaddr_in camera{AF_INET, htons(3956), {}, {}};
     inet_pton(AF_INET, m_address.c_str(), &camera.sin_addr);
     uint8_t reply[512];
     ssize_t size = -1;

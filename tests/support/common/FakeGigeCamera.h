@@ -1,11 +1,11 @@
-// A simulated GigE Vision camera in its own process (arv-fake-gv-camera-0.8 from aravis-tools),
-// listening on 127.0.0.1, or on an address of another network namespace the test made. Use it
-// only inside a private network namespace. The process is stopped by its id, at the latest when
-// this object goes away.
+// A simulated GigE Vision camera in its own process (arv-fake-gv-camera-0.8 from aravis-tools) on
+// 127.0.0.1, or in another network namespace the test made; use it only inside a private network
+// namespace. The process is stopped by its id, at the latest when this object goes away.
 #pragma once
 
 #include <sys/types.h>
 
+#include <csignal>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -28,10 +28,9 @@ public:
     // Kills the process (as a power cut would) and reaps it. The kernel then answers for the closed
     // port at once, so a dead camera on loopback is quick to find out.
     void Kill();
-    // Stops the process without ending it, as an unplugged cable would: packets to the camera go
-    // unanswered until Thaw (the cable plugged back in).
-    void Freeze();
-    void Thaw();
+    // Stops the process without ending it, as a pulled cable would: nothing answers until Thaw.
+    void Freeze() { Signal(SIGSTOP); }
+    void Thaw() { Signal(SIGCONT); }
     const std::string& SerialNumber() const { return m_serialNumber; }
     const std::string& Address() const { return m_address; }
     // Every fake camera reports the MAC address 00:00:00:00:00:00. It keeps its bootstrap registers
@@ -39,6 +38,7 @@ public:
     bool SetMacAddressLow(uint32_t low);
 
 private:
+    void Signal(int signal) const;
     bool AnswersDiscovery() const;
     // One GVCP command sent straight to the camera; true when its acknowledge came with status 0.
     bool Acknowledged(const std::vector<uint8_t>& command, uint16_t acknowledge) const;

@@ -6,8 +6,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstring>
+
+#include "support/common/WaitUntil.h"
 
 namespace {
 
@@ -38,10 +39,7 @@ std::vector<uint8_t> Acknowledge(uint16_t code, uint16_t length, uint16_t reques
 
 void Broadcast(int fd, const std::vector<uint8_t>& packet, uint16_t port)
 {
-    sockaddr_in everyone{};
-    everyone.sin_family = AF_INET;
-    everyone.sin_port = htons(port);
-    everyone.sin_addr.s_addr = htonl(INADDR_BROADCAST);
+    sockaddr_in everyone{AF_INET, htons(port), {htonl(INADDR_BROADCAST)}, {}};
     sendto(fd, packet.data(), packet.size(), 0, reinterpret_cast<sockaddr*>(&everyone), sizeof everyone);
 }
 
@@ -57,8 +55,6 @@ void BroadcastGarbage(int fd, uint16_t code, uint16_t requestId, uint16_t port)
 
 } // namespace
 
-GvcpResponderOnVeth::GvcpResponderOnVeth(bool acknowledgesForceIp) : m_acknowledgesForceIp(acknowledgesForceIp) {}
-
 GvcpResponderOnVeth::~GvcpResponderOnVeth()
 {
     m_stop.store(true);
@@ -68,45 +64,33 @@ GvcpResponderOnVeth::~GvcpResponderOnVeth()
 
 bool GvcpResponderOnVeth::Start(std::string& failure)
 {
-    if (!m_cameraSpace.IsReady()) {
-        failure = m_cameraSpace.Failure();
-        return false;
-    }
     if (!m_cameraSpace.LinkFromCaller("vb3f0", "192.168.77.1/24", "vb3f1", m_ip + "/24") ||
         !m_cameraSpace.Ip("route add default dev vb3f1")) {
-        failure = "cannot build the veth link to the responder's namespace";
+        failure = "cannot build the veth link to the responder's namespace " + m_cameraSpace.Failure();
         return false;
     }
-    // A socket stays in the namespace it was made in, whichever thread uses it.
-    int fd = -1;
-    std::thread([&] { fd = m_cameraSpace.Enter() ? socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0) : -1; }).join();
-    int on = 1;
-    sockaddr_in any{};
-    any.sin_family = AF_INET;
-    any.sin_port = htons(3956);
-    if (fd < 0 || setsockopt(fd, SOL_SOCKET, SO_BROADCAST, &on, sizeof on) != 0 ||
-        bind(fd, reinterpret_cast<sockaddr*>(&any), sizeof any) != 0) {
-        if (fd >= 0)
-            close(fd);
-        failure = "the responder could not listen in its namespace";
-        return false;
-    }
-    m_thread = std::thread([this, fd] {
-        Serve(fd);
-        close(fd);
-    });
-    return true;
+    m_thread = std::thread([this] { Serve(); });
+    if (WaitUntil([&] { return m_listening.load(); }))
+        return true;
+    failure = "the responder could not listen in its namespace";
+    return false;
 }
 
-std::vector<GvcpResponderOnVeth::ForceIp> GvcpResponderOnVeth::ForceIpCommands() const
+int GvcpResponderOnVeth::ForceIpCommands() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    return m_forceIps;
+    return m_forceIpCommands;
 }
 
-void GvcpResponderOnVeth::Serve(int fd)
+void GvcpResponderOnVeth::Serve()
 {
-    while (!m_stop.load()) {
+    // The thread moves into the responder's namespace, so its socket is made there.
+    const int fd = m_cameraSpace.Enter() ? socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0) : -1;
+    const int on = 1;
+    sockaddr_in any{AF_INET, htons(3956), {}, {}};
+    m_listening = fd >= 0 && setsockopt(fd, SOL_SOCKET, SO_BROADCAST, &on, sizeof on) == 0 &&
+                  bind(fd, reinterpret_cast<sockaddr*>(&any), sizeof any) == 0;
+    while (m_listening && !m_stop.load()) {
         pollfd waiting{fd, POLLIN, 0};
         if (poll(&waiting, 1, 50) <= 0)
             continue;
@@ -117,6 +101,7 @@ void GvcpResponderOnVeth::Serve(int fd)
         if (size >= 8 && packet[0] == 0x42)
             Answer(fd, packet, std::size_t(size), ntohs(sender.sin_port));
     }
+    close(fd);
 }
 
 void GvcpResponderOnVeth::Answer(int fd, const uint8_t* packet, std::size_t size, uint16_t port)
@@ -141,12 +126,9 @@ void GvcpResponderOnVeth::Answer(int fd, const uint8_t* packet, std::size_t size
     } else if (code == kForceIpCommand && Read16(packet + 4) == kForceIpPayloadSize &&
                size >= 8 + kForceIpPayloadSize) {
         const uint8_t* payload = packet + 8;
-        char mac[18];
-        std::snprintf(mac, sizeof mac, "%02x:%02x:%02x:%02x:%02x:%02x", payload[2], payload[3], payload[4], payload[5],
-                      payload[6], payload[7]);
-        m_forceIps.push_back(
-            {(packet[1] & 0x01) != 0, mac, AddressAt(payload + 20), AddressAt(payload + 36), AddressAt(payload + 52)});
-        if (!m_acknowledgesForceIp || std::memcmp(payload + 2, kMac, 6) != 0)
+        ++m_forceIpCommands;
+        // Only a command for our MAC that asks for an acknowledge (flag 0x01) gets one.
+        if (!m_acknowledgesForceIp || (packet[1] & 0x01) == 0 || std::memcmp(payload + 2, kMac, 6) != 0)
             return;
         m_ip = AddressAt(payload + 20);
         m_mask = AddressAt(payload + 36);

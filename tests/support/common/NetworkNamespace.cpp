@@ -2,11 +2,11 @@
 
 #include <fcntl.h>
 #include <sched.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
+#include <thread>
 
 #include "support/common/WaitUntil.h"
 
@@ -60,10 +60,10 @@ NetworkNamespace::NetworkNamespace(const std::vector<Veth>& pairs) : m_name(Uniq
 
 NetworkNamespace::~NetworkNamespace()
 {
-    if (m_entered && m_originalNamespace >= 0)
+    if (m_originalNamespace >= 0) {
         setns(m_originalNamespace, CLONE_NEWNET);
-    if (m_originalNamespace >= 0)
         close(m_originalNamespace);
+    }
     // Deleting one end of a veth pair deletes both; the namespace itself may linger a moment.
     for (const std::string& adapter : m_adapters)
         Run("ip link del " + adapter);
@@ -95,41 +95,18 @@ bool NetworkNamespace::Enter()
         return false;
     if (m_originalNamespace < 0)
         m_originalNamespace = open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC);
-    m_entered = setns(target, CLONE_NEWNET) == 0;
+    const bool entered = setns(target, CLONE_NEWNET) == 0;
     close(target);
-    return m_entered;
+    return entered;
 }
 
 bool NetworkNamespace::RunInside(const std::function<std::string()>& work, std::string& output)
 {
-    output.clear();
-    if (!m_ready)
-        return false;
-    int channel[2];
-    if (pipe(channel) != 0)
-        return false;
-    pid_t child = fork();
-    if (child < 0) {
-        close(channel[0]);
-        close(channel[1]);
-        return false;
-    }
-    if (child == 0) {
-        close(channel[0]);
-        if (!Enter())
-            _exit(1);
-        std::string text = work();
-        // A blocking write to a pipe returns once all of it is written.
-        _exit(write(channel[1], text.data(), text.size()) == ssize_t(text.size()) ? 0 : 1);
-    }
-    close(channel[1]);
-    char buffer[4096];
-    ssize_t step;
-    while ((step = read(channel[0], buffer, sizeof(buffer))) > 0)
-        output.append(buffer, static_cast<std::size_t>(step));
-    close(channel[0]);
-    int status = 0;
-    if (waitpid(child, &status, 0) != child)
-        return false;
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    // setns moves only the calling thread, so a thread of its own runs the work inside.
+    bool entered = false;
+    std::thread([&] {
+        entered = Enter();
+        output = entered ? work() : std::string();
+    }).join();
+    return entered;
 }

@@ -30,8 +30,8 @@ public:
 
     // Moves the calling thread (and every thread it starts later) into the namespace.
     bool Enter();
-    // Runs the work in a forked child inside the namespace and hands back the text it returned;
-    // false when the child could not enter the namespace or did not finish.
+    // Runs the work on a thread inside the namespace and hands back the text it returned; false
+    // when the thread could not enter the namespace.
     bool RunInside(const std::function<std::string()>& work, std::string& output);
     // Runs an "ip" command inside the namespace; true on exit status 0.
     bool Ip(const std::string& arguments);
@@ -44,7 +44,6 @@ public:
 private:
     std::string m_name;
     bool m_ready = false;
-    bool m_entered = false;
     int m_originalNamespace = -1;
     std::string m_failure;
     std::vector<std::string> m_adapters;

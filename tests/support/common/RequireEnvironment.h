@@ -1,6 +1,5 @@
-// Tests that need something of the machine (a network namespace, a program)
-// skip without it on a developer's machine, but fail in CI (CI=true), where
-// everything they need is installed and the runner may make namespaces.
+// Tests that need something of the machine (a network namespace, a program) skip without it on a
+// developer's machine, but fail in CI (CI=true), where the runner has all they need.
 #pragma once
 
 #include <gtest/gtest.h>
