@@ -12,7 +12,6 @@ namespace {
 const std::string serialNumber = "S1";
 const std::string cameraKey = "Line3(S1)";
 const std::string adapterKey = "eth0[169.254.10.1]";
-constexpr unsigned long long continuous = 4294967295ull;
 
 class CameraTest : public ::testing::Test {
 protected:
@@ -78,23 +77,11 @@ TEST_F(CameraTest, NodeAccessNeedsAnOpenCameraAndFailuresAreLogged)
     EXPECT_EQ(camera->GetNodeValue("Width", value, true), -12);
 }
 
-TEST_F(CameraTest, HostMayOnlySetItsOwnTexts)
-{
-    EXPECT_EQ(camera->SetInfo(ViewerBiz3::CAM_HOST_TEXT40, "left"), 0);
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_HOST_TEXT40), "left");
-    EXPECT_EQ(camera->SetInfo(ViewerBiz3::CAM_NAME, "x"), -1);
-    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_NAME), cameraKey);
-    const auto statistics = host.Recorded().statistics;
-    ASSERT_EQ(statistics.size(), 1u);
-    EXPECT_EQ(statistics[0].key, cameraKey);
-    EXPECT_TRUE(statistics[0].flag);
-}
-
 TEST_F(CameraTest, LostCameraIsStoppedLoggedOnceAndRemoved)
 {
     device.SetFrameScript(Scripted::FrameScript().Period(std::chrono::milliseconds(20)));
     ASSERT_EQ(camera->OpenCamera(1), 0);
-    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
+    ASSERT_EQ(camera->StartGrab(0, continuousGrab), 0);
     ASSERT_TRUE(WaitUntil([&] { return host.ImagesWithPicture() > 0; }));
 
     device.Lose();
@@ -121,7 +108,7 @@ TEST_F(CameraTest, LostCameraLinkCameraBecomesAPlaceholder)
     cameraLink.SetKind(4);
     cameraLink.SetVirtualSuffix("2");
     ASSERT_EQ(cameraLink.OpenCamera(1), 0);
-    ASSERT_EQ(cameraLink.StartGrab(0, continuous), 0);
+    ASSERT_EQ(cameraLink.StartGrab(0, continuousGrab), 0);
 
     device.Lose();
 

@@ -64,9 +64,3 @@ void CameraTestHost::RemoveOpenedCamera(std::string key)
     camera.reset();
     Append(m_record.removed, key);
 }
-
-int CameraTestHost::RefreshDeviceList(int types)
-{
-    Append(m_record.refreshes, types);
-    return 0;
-}

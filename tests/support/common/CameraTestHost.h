@@ -15,6 +15,9 @@
 #include "camera/CameraHost.h"
 #include "support/common/CameraHandles.h"
 
+// The frame count StartGrab takes as "no limit".
+constexpr unsigned long long continuousGrab = 4294967295ull;
+
 class CameraTestHost final : public CameraHost {
 public:
     struct ImageEvent {
@@ -78,7 +81,11 @@ public:
     void NotifyDeviceListUpdate() override { Append(m_record.deviceLists, {"", "", false, ""}); }
     void RemoveOpenedCamera(std::string key) override;
     void AddCLCamera(Camera* camera) override { Append(m_record.addedCLCameras, camera); }
-    int RefreshDeviceList(int types) override;
+    int RefreshDeviceList(int types) override
+    {
+        Append(m_record.refreshes, types);
+        return 0;
+    }
 
 private:
     template <typename Event>
