@@ -165,12 +165,16 @@ INSTANTIATE_TEST_SUITE_P(
                std::to_string(info.param.chunks.size()) + "Chunks";
     });
 
-TEST_F(LPCameraTest, LimitedBatchAcquisitionStopsAfterItsFrames)
+// Per batch number: the frames a limited batch acquisition of the device's 1000 lines delivers
+// before it stops by itself. A batch number of 0 stops it at once.
+class LimitedBatchTest : public LPCameraTest,
+                         public ::testing::WithParamInterface<std::pair<const char*, std::size_t>> {};
+
+TEST_P(LimitedBatchTest, StopsAfterItsFrames)
 {
-    LPCamera* camera = OpenedCamera();
+    LPCamera* camera = OpenedCamera(ProfileXmlWith("BatchNumber", IntegerFeature("BatchNumber", GetParam().first)));
     ASSERT_EQ(camera->SetCameraImageMode(2), 0);
     ASSERT_EQ(DeviceValue("AcquisitionLineCount"), "1000");
-    ASSERT_EQ(DeviceValue("BatchNumber"), "100");
     ASSERT_EQ(camera->SetInfo(ViewerBiz3::CAM_ACQ_LIMIT, "1"), 0);
     FrameScript script = FrameScript::Empty().Period(5ms);
     for (uint64_t id = 1; id <= 30; ++id)
@@ -181,25 +185,16 @@ TEST_F(LPCameraTest, LimitedBatchAcquisitionStopsAfterItsFrames)
 
     ASSERT_TRUE(WaitUntil([&] { return log.Contains("Info", "Stop grab image..."); }));
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_GRABBING), "0");
-    EXPECT_EQ(host.ImagesWithPicture(), 10u);
+    EXPECT_EQ(host.ImagesWithPicture(), GetParam().second);
     EXPECT_EQ(device->Counters().stopGrabbings, 1u);
     // The switch is reset once the grab thread is parked again.
     EXPECT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_ACQ_LIMIT) == "0"; }));
     EXPECT_TRUE(WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
 }
 
-TEST_F(LPCameraTest, ZeroBatchNumberStopsALimitedAcquisitionAtOnce)
-{
-    LPCamera* camera = OpenedCamera(ProfileXmlWith("BatchNumber", IntegerFeature("BatchNumber", "0")));
-    ASSERT_EQ(camera->SetCameraImageMode(2), 0);
-    ASSERT_EQ(camera->SetInfo(ViewerBiz3::CAM_ACQ_LIMIT, "1"), 0);
-    device->SetFrameScript(FrameScript::Empty().Add(ProfileFrame(1, {64, 6400})).Period(5ms));
-
-    ASSERT_EQ(camera->StartGrab(0, continuousGrab), 0);
-
-    ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_GRABBING) == "0"; }));
-    EXPECT_TRUE(WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
-}
+INSTANTIATE_TEST_SUITE_P(BatchNumbers, LimitedBatchTest,
+                         ::testing::Values(std::pair{"100", std::size_t{10}}, std::pair{"0", std::size_t{0}}),
+                         [](const auto& info) { return std::string("BatchNumber") + info.param.first; });
 
 TEST_F(LPCameraTest, DeliveryCarriesModeAndScaler)
 {

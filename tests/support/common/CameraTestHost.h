@@ -26,10 +26,6 @@ public:
         int extra1;
         int extra2;
     };
-    struct StatisticEvent {
-        std::string key;
-        bool flag;
-    };
     struct DeviceListEvent {
         std::string listKey;
         std::string key;
@@ -40,7 +36,8 @@ public:
     // Everything the cameras told the host so far.
     struct Record {
         std::vector<ImageEvent> images;
-        std::vector<StatisticEvent> statistics;
+        // The keys of the statistics updates.
+        std::vector<std::string> statistics;
         std::vector<DeviceListEvent> deviceLists;
         std::vector<std::string> removed;
         std::vector<Camera*> addedCLCameras;
@@ -76,7 +73,7 @@ public:
     std::size_t ImagesWithPicture() const;
 
     std::size_t NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
-    void NotifyAcqStatisticUpdate(std::string key, bool flag) override { Append(m_record.statistics, {key, flag}); }
+    void NotifyAcqStatisticUpdate(std::string key, bool) override { Append(m_record.statistics, key); }
     void NotifyDeviceListUpdate(std::string listKey, std::string key) override;
     void NotifyDeviceListUpdate() override { Append(m_record.deviceLists, {"", "", false, ""}); }
     void RemoveOpenedCamera(std::string key) override;
