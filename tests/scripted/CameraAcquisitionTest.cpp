@@ -119,10 +119,8 @@ TEST_F(CameraAcquisitionTest, FrameLimitStopsTheGrabByItselfAndTheNextStartWorks
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_ERROR_COUNT), "1");
     EXPECT_EQ(device.Counters().imagesHandedOut, 1u);
     ASSERT_TRUE(WaitUntil([&] { return log.Count("Stop grab image...") == 1; }));
-    EXPECT_EQ(host.Recorded().deviceLists.back().key, cameraKey);
     EXPECT_EQ(device.Counters().stopGrabbings, 1u);
-    ASSERT_TRUE(WaitUntil([&] { return !host.Recorded().images.back().withImage; }));
-    EXPECT_EQ(device.Counters().ImagesOutstanding(), 0u);
+    EXPECT_TRUE(WaitUntil([&] { return device.Counters().ImagesOutstanding() == 0; }));
 
     ASSERT_EQ(camera->StartGrab(0, 3), 0);
     ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_GRABBING) == "0"; }));

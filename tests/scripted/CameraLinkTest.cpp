@@ -90,7 +90,8 @@ TEST_F(CameraLinkTest, RefreshListsTheCardThenTheHostOpensItBindsItsCameraAndClo
     EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
 }
 
-TEST_F(CameraLinkTest, ACameraThatCannotBeBoundLeavesItsCardOpenAndIsShownClosed)
+// A camera that cannot be bound leaves its card open and is shown closed.
+TEST_F(CameraLinkTest, OpeningACameraOpensItsCardAndAFailedBindOrAnEmptyProtocolOrPortClosesIt)
 {
     auto& camera = ListCameras();
     camera.SetResult(Scripted::SdkCall::SetCLProtocol, -1);
@@ -101,15 +102,10 @@ TEST_F(CameraLinkTest, ACameraThatCannotBeBoundLeavesItsCardOpenAndIsShownClosed
     const auto deviceLists = bench.Events().Snapshot().deviceLists;
     ASSERT_FALSE(deviceLists.empty());
     EXPECT_EQ(deviceLists.back().second, std::vector<std::string>{CAMERA_ID});
-}
 
-TEST_F(CameraLinkTest, OpeningACameraOpensItsCardAndAnEmptyProtocolOrPortClosesIt)
-{
-    auto& camera = ListCameras();
+    camera.SetResult(Scripted::SdkCall::SetCLProtocol, 0);
     ASSERT_EQ(Manager().OpenCLCamera(CAMERA_ID, "CameraLink", "COM1"), 0);
-    EXPECT_EQ(Manager().GetOpenedCardIds(), std::vector<std::string>{"card0"});
-    EXPECT_EQ(camera.Counters().opens, 1u);
-    EXPECT_EQ(camera.Counters().clProtocolCalls.at(0).protocol, "CameraLink");
+    EXPECT_EQ(camera.Counters().clProtocolCalls.back().protocol, "CameraLink");
     EXPECT_EQ(Manager().OpenCLCamera(CAMERA_ID, "", "COM1"), 0);
     EXPECT_EQ(Manager().GetCameraInfo(CAMERA_ID, ViewerBiz3::CAM_OPENED), "0");
     EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());

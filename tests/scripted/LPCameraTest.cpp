@@ -174,7 +174,6 @@ TEST_P(LimitedBatchTest, StopsAfterItsFrames)
 {
     LPCamera* camera = OpenedCamera(ProfileXmlWith("BatchNumber", IntegerFeature("BatchNumber", GetParam().first)));
     ASSERT_EQ(camera->SetCameraImageMode(2), 0);
-    ASSERT_EQ(DeviceValue("AcquisitionLineCount"), "1000");
     ASSERT_EQ(camera->SetInfo(ViewerBiz3::CAM_ACQ_LIMIT, "1"), 0);
     FrameScript script = FrameScript::Empty().Period(5ms);
     for (uint64_t id = 1; id <= 30; ++id)

@@ -52,15 +52,12 @@ void CameraTestHost::NotifyDeviceListUpdate(std::string listKey, std::string key
 
 void CameraTestHost::RemoveOpenedCamera(std::string key)
 {
-    std::unique_ptr<Camera> camera;
+    decltype(m_cameras)::node_type camera;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        auto found = m_cameras.find(key);
-        if (found != m_cameras.end()) {
-            camera = std::move(found->second);
-            m_cameras.erase(found);
-        }
+        camera = m_cameras.extract(key);
     }
-    camera.reset();
+    // Deleted outside the lock: a camera's shutdown may call back into the host.
+    camera = {};
     Append(m_record.removed, key);
 }
