@@ -25,10 +25,10 @@ protected:
     CameraLogRecorder log;
     CameraTestHost host;
 
-    template <typename CameraType = Camera>
-    CameraType* OpenedCamera()
+    Camera* OpenedCamera(bool showMode = false)
     {
-        CameraType* camera = host.AddCamera<CameraType>(serialNumber, cameraKey, "eth0");
+        Camera* camera = showMode ? host.AddCamera<SLCamera>(serialNumber, cameraKey, "eth0")
+                                  : host.AddCamera(serialNumber, cameraKey, "eth0");
         EXPECT_EQ(camera->OpenCamera(1), 0);
         return camera;
     }
@@ -86,7 +86,7 @@ TEST_P(FailedReadTest, FailuresAreCountedAndLoggedButTimeoutsAreNeitherFramesNor
                               .Add(FrameStep::Code(-5))
                               .Add(failureWithImage)
                               .Then(WhenExhausted::KeepTimingOut));
-    Camera* camera = GetParam().showMode ? static_cast<Camera*>(OpenedCamera<SLCamera>()) : OpenedCamera();
+    Camera* camera = OpenedCamera(GetParam().showMode);
     ASSERT_EQ(camera->StartGrab(0, continuousGrab), 0);
 
     ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_ERROR_COUNT) == "2"; }));
@@ -140,7 +140,7 @@ class BandwidthTest : public CameraAcquisitionTest, public ::testing::WithParamI
 TEST_P(BandwidthTest, FollowsFrameSizeAndRate)
 {
     device.SetFrameScript(FrameScript::Empty().Add(GetParam().frame).Period(20ms));
-    Camera* camera = GetParam().showMode ? static_cast<Camera*>(OpenedCamera<SLCamera>()) : OpenedCamera();
+    Camera* camera = OpenedCamera(GetParam().showMode);
     ASSERT_EQ(camera->StartGrab(0, continuousGrab), 0);
     ASSERT_TRUE(WaitUntil([&] { return Number(camera, ViewerBiz3::CAM_FRAME_COUNT) >= 20; }));
     ASSERT_TRUE(WaitUntil([&] { return Number(camera, ViewerBiz3::CAM_DISPLAY_RATE) > 0; }));

@@ -2,18 +2,6 @@
 
 #include <algorithm>
 
-#include "events/EventManager.h"
-
-CameraLogRecorder::CameraLogRecorder()
-{
-    m_event.RegisterLoggerUpdateListener(this);
-}
-
-CameraLogRecorder::~CameraLogRecorder()
-{
-    m_event.UnRegisterLoggerUpdateListener(this);
-}
-
 void CameraLogRecorder::OnLoggerUpdate(std::string, std::string level, std::string message)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
