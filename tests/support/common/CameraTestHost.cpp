@@ -3,11 +3,6 @@
 #include <algorithm>
 #include <thread>
 
-CameraTestHost::CameraTestHost()
-{
-    SetCameraHost(this);
-}
-
 CameraTestHost::~CameraTestHost()
 {
     std::map<std::string, std::unique_ptr<Camera>> cameras;

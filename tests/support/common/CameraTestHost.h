@@ -45,7 +45,7 @@ public:
     };
 
     // Registers itself as the process's camera host.
-    CameraTestHost();
+    CameraTestHost() { SetCameraHost(this); }
     // Deletes the cameras it still owns, then unregisters.
     ~CameraTestHost();
     CameraTestHost(const CameraTestHost&) = delete;
