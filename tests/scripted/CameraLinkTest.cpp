@@ -35,9 +35,11 @@ protected:
 
 } // namespace
 
+// The protocol and port stored with the camera win over the host's choice; a serial-only camera
+// opens without a card.
 TEST_F(CameraLinkTest, RefreshListsTheCardThenTheHostOpensItBindsItsCameraAndClosesBoth)
 {
-    auto& camera = ListCameras();
+    auto& camera = ListCameras("CL-Base", "COM3");
     DeviceEventRecorder::DeviceList list = bench.Events().Snapshot().LastWholeList();
     EXPECT_EQ(list.first, std::vector<std::string>{"card0"});
     EXPECT_TRUE(Contains(list.second, CAMERA_ID));
@@ -60,8 +62,8 @@ TEST_F(CameraLinkTest, RefreshListsTheCardThenTheHostOpensItBindsItsCameraAndClo
 
     ASSERT_EQ(Manager().OpenCLCamera(CAMERA_ID, "CameraLink", "COM1"), 0);
     ASSERT_EQ(camera.Counters().clProtocolCalls.size(), 1u);
-    EXPECT_EQ(camera.Counters().clProtocolCalls[0].protocol, "CameraLink");
-    EXPECT_EQ(camera.Counters().clProtocolCalls[0].serialPort, "COM1");
+    EXPECT_EQ(camera.Counters().clProtocolCalls[0].protocol, "CL-Base");
+    EXPECT_EQ(camera.Counters().clProtocolCalls[0].serialPort, "COM3");
     EXPECT_EQ(Manager().GetOpenedCameraIds(), std::vector<std::string>{CAMERA_ID});
     EXPECT_EQ(Manager().GetCameraNodeValue(CAMERA_ID, "Width", value), 0);
     EXPECT_EQ(value, "640");
@@ -80,9 +82,16 @@ TEST_F(CameraLinkTest, RefreshListsTheCardThenTheHostOpensItBindsItsCameraAndClo
     EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
     EXPECT_TRUE(Manager().GetOpenedCardIds().empty());
     EXPECT_EQ(Manager().CloseCard("card0"), -1) << "not opened";
+
+    ASSERT_EQ(Manager().OpenCLCamera(SERIAL_ONLY_ID, "GenCP", "COM2"), 0);
+    EXPECT_EQ(ScriptedSdk::Instance().FindDevice("G1")->Counters().opens, 0u) << "a serial-only camera has no card";
+    EXPECT_TRUE(Manager().GetOpenedCardIds().empty());
+    EXPECT_EQ(Manager().CloseCamera(SERIAL_ONLY_ID), 0) << "falls through to the Camera Link path";
+    EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
 }
 
-TEST_F(CameraLinkTest, ACameraThatCannotBeBoundLeavesItsCardOpenAndIsShownClosed)
+// A camera that cannot be bound leaves its card open and is shown closed.
+TEST_F(CameraLinkTest, OpeningACameraOpensItsCardAndAFailedBindOrAnEmptyProtocolOrPortClosesIt)
 {
     auto& camera = ListCameras();
     camera.SetResult(Scripted::SdkCall::SetCLProtocol, -1);
@@ -93,36 +102,12 @@ TEST_F(CameraLinkTest, ACameraThatCannotBeBoundLeavesItsCardOpenAndIsShownClosed
     const auto deviceLists = bench.Events().Snapshot().deviceLists;
     ASSERT_FALSE(deviceLists.empty());
     EXPECT_EQ(deviceLists.back().second, std::vector<std::string>{CAMERA_ID});
-}
 
-TEST_F(CameraLinkTest, OpeningACameraOpensItsCardAndAnEmptyProtocolOrPortClosesIt)
-{
-    auto& camera = ListCameras();
+    camera.SetResult(Scripted::SdkCall::SetCLProtocol, 0);
     ASSERT_EQ(Manager().OpenCLCamera(CAMERA_ID, "CameraLink", "COM1"), 0);
-    EXPECT_EQ(Manager().GetOpenedCardIds(), std::vector<std::string>{"card0"});
-    EXPECT_EQ(camera.Counters().opens, 1u);
+    EXPECT_EQ(camera.Counters().clProtocolCalls.back().protocol, "CameraLink");
     EXPECT_EQ(Manager().OpenCLCamera(CAMERA_ID, "", "COM1"), 0);
     EXPECT_EQ(Manager().GetCameraInfo(CAMERA_ID, ViewerBiz3::CAM_OPENED), "0");
     EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
     EXPECT_EQ(Manager().OpenCLCamera("Nobody(0)", "CameraLink", "COM1"), -1);
-}
-
-TEST_F(CameraLinkTest, StoredProtocolAndPortWinOverTheHostsChoice)
-{
-    auto& camera = ListCameras("CL-Base", "COM3");
-    ASSERT_EQ(Manager().OpenCLCamera(CAMERA_ID, "CL-Full", "COM9"), 0);
-    ASSERT_EQ(camera.Counters().clProtocolCalls.size(), 1u);
-    EXPECT_EQ(camera.Counters().clProtocolCalls[0].protocol, "CL-Base");
-    EXPECT_EQ(camera.Counters().clProtocolCalls[0].serialPort, "COM3");
-}
-
-TEST_F(CameraLinkTest, SerialOnlyCameraOpensWithoutACard)
-{
-    ListCameras();
-    ASSERT_EQ(Manager().OpenCLCamera(SERIAL_ONLY_ID, "GenCP", "COM2"), 0);
-    EXPECT_EQ(ScriptedSdk::Instance().FindDevice("G1")->Counters().opens, 0u);
-    EXPECT_TRUE(Manager().GetOpenedCardIds().empty());
-    EXPECT_EQ(Manager().GetOpenedCameraIds(), std::vector<std::string>{SERIAL_ONLY_ID});
-    EXPECT_EQ(Manager().CloseCamera(SERIAL_ONLY_ID), 0) << "falls through to the Camera Link path";
-    EXPECT_TRUE(Manager().GetOpenedCameraIds().empty());
 }

@@ -18,7 +18,6 @@ using Scripted::WhenExhausted;
 
 const std::string serialNumber = "F100";
 const std::string cameraKey = "Profile(F100)";
-constexpr unsigned long long continuous = 4294967295ull;
 
 // The profile camera's document with the declaration of one integer feature replaced.
 std::string ProfileXmlWith(const std::string& feature, const std::string& replacement)
@@ -71,23 +70,14 @@ protected:
         return DeviceValue("EnableExtraction") + DeviceValue("EnableImage") + DeviceValue("EnableCalibration") +
                DeviceValue("BatchEnable");
     }
-
-    // Grabs until the script's steps and a timeout after them (which publishes the final count)
-    // were read; answers the frame count.
-    uint64_t FramesAfterScript(LPCamera* camera, FrameScript script, uint64_t steps)
-    {
-        device->SetFrameScript(std::move(script.Then(WhenExhausted::KeepTimingOut)));
-        const uint64_t callsBefore = device->Counters().getImageCalls;
-        EXPECT_EQ(camera->StartGrab(0, continuous), 0);
-        EXPECT_TRUE(device->WaitUntil([&](const auto& c) { return c.getImageCalls >= callsBefore + steps + 2; }));
-        EXPECT_EQ(camera->StopGrab(false), 0);
-        return std::stoull(camera->GetInfo(ViewerBiz3::CAM_FRAME_COUNT));
-    }
 };
 
 TEST_F(LPCameraTest, OpenReadsTheDeviceSettingsAndImageModesRoundTripThroughTheSwitches)
 {
-    LPCamera* camera = OpenedCamera();
+    // Some devices model a switch as a boolean, which reads as "True" or "False".
+    LPCamera* camera = OpenedCamera(ProfileXmlWith(
+        "BatchEnable", "<Boolean Name=\"BatchEnable\" NameSpace=\"Custom\"><Value>1</Value><OnValue>1</OnValue>"
+                       "<OffValue>0</OffValue></Boolean>"));
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_UP_SIZE), "12.500000");
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_Z_DOWN_SIZE), "-12.500000");
     // 128.0 / 3200
@@ -95,7 +85,8 @@ TEST_F(LPCameraTest, OpenReadsTheDeviceSettingsAndImageModesRoundTripThroughTheS
     EXPECT_EQ(DeviceValue("CenterImageY"), "Off");
     EXPECT_EQ(camera->GetCameraImageMode(), 0);
 
-    const std::vector<std::pair<int, std::string>> expectedSwitches = {{1, "1010"}, {2, "1011"}, {0, "1100"}};
+    const std::vector<std::pair<int, std::string>> expectedSwitches = {
+        {1, "101False"}, {2, "101True"}, {0, "110False"}};
     for (const auto& [mode, switches] : expectedSwitches) {
         ASSERT_EQ(camera->SetCameraImageMode(mode), 0);
         EXPECT_EQ(Switches(), switches);
@@ -105,7 +96,7 @@ TEST_F(LPCameraTest, OpenReadsTheDeviceSettingsAndImageModesRoundTripThroughTheS
     }
     EXPECT_EQ(camera->SetCameraImageMode(3), -1);
     EXPECT_EQ(camera->GetCameraImageMode(), 3);
-    EXPECT_EQ(Switches(), "1100");
+    EXPECT_EQ(Switches(), "110False");
 }
 
 TEST_F(LPCameraTest, RefusedSwitchWriteLeavesTheModeUnchanged)
@@ -118,19 +109,6 @@ TEST_F(LPCameraTest, RefusedSwitchWriteLeavesTheModeUnchanged)
     EXPECT_EQ(log.Count("Failed to SetNodeValue. nodeName = EnableCalibration"), 1u);
     // The writes before the refused one stay on the device.
     EXPECT_EQ(DeviceValue("EnableImage"), "0");
-}
-
-TEST_F(LPCameraTest, BooleanSwitchesAreUnderstood)
-{
-    LPCamera* camera = OpenedCamera(ProfileXmlWith(
-        "BatchEnable", "<Boolean Name=\"BatchEnable\" NameSpace=\"Custom\"><Value>1</Value><OnValue>1</OnValue>"
-                       "<OffValue>0</OffValue></Boolean>"));
-    ASSERT_EQ(DeviceValue("BatchEnable"), "True");
-    ASSERT_EQ(camera->SetCameraImageMode(1), 0);
-    ASSERT_EQ(DeviceValue("BatchEnable"), "False");
-    ASSERT_EQ(camera->SetCameraImageMode(2), 0);
-    camera->GetGrabMode();
-    EXPECT_EQ(camera->GetCameraImageMode(), 2);
 }
 
 // Per image mode, depth and chunks: the profiles two frames count for, and whether the gap
@@ -151,14 +129,18 @@ TEST_P(ProfileCountTest, FramesCountTheirProfilesAndOnlyFailuresAreErrors)
     LPCamera* camera = OpenedCamera();
     ASSERT_EQ(camera->SetCameraImageMode(GetParam().mode), 0);
     ASSERT_EQ(camera->SetNodeValue("DepthDataType", GetParam().depth, true), 0);
-    const FrameScript script = FrameScript::Empty()
-                                   .Add(ProfileFrame(1, GetParam().chunks))
-                                   .Add(FrameStep::Code(-12))
-                                   .Add(FrameStep::Code(-11))
-                                   .Add(FrameStep::Code(-5))
-                                   .Add(ProfileFrame(3, GetParam().chunks));
-
-    EXPECT_EQ(FramesAfterScript(camera, script, 5), GetParam().profiles);
+    device->SetFrameScript(FrameScript::Empty()
+                               .Add(ProfileFrame(1, GetParam().chunks))
+                               .Add(FrameStep::Code(-12))
+                               .Add(FrameStep::Code(-11))
+                               .Add(FrameStep::Code(-5))
+                               .Add(ProfileFrame(3, GetParam().chunks))
+                               .Then(WhenExhausted::KeepTimingOut));
+    ASSERT_EQ(camera->StartGrab(0, continuousGrab), 0);
+    // The five steps and the timeout after them (which publishes the final count) were read.
+    ASSERT_TRUE(device->WaitUntil([](const auto& c) { return c.getImageCalls >= 7; }));
+    ASSERT_EQ(camera->StopGrab(false), 0);
+    EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_FRAME_COUNT), std::to_string(GetParam().profiles));
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_ERROR_COUNT), "1");
     EXPECT_TRUE(log.Contains("Error", "Failed to get image, errorcode = -5, frameId = 1"));
     EXPECT_EQ(log.Count("The frame id increment wrong, pre id = 1, current id = 3"), GetParam().gapLines);
@@ -166,49 +148,45 @@ TEST_P(ProfileCountTest, FramesCountTheirProfilesAndOnlyFailuresAreErrors)
 }
 
 // 64 000 bytes are 10 profiles of 16 bits or 5 of 32 bits; a profile frame needs two chunks.
-INSTANTIATE_TEST_SUITE_P(ModesAndDepths, ProfileCountTest,
-                         ::testing::Values(ProfileCountCase{0, "Depth16", {}, 2, 1},
-                                           ProfileCountCase{2, "Depth16", {64, 64000}, 20, 1},
-                                           ProfileCountCase{2, "Depth32", {64, 64000}, 10, 1},
-                                           ProfileCountCase{2, "Depth16", {}, 0, 1},
-                                           ProfileCountCase{1, "Depth16", {6400, 6400}, 2, 0},
-                                           ProfileCountCase{1, "Depth16", {6400}, 0, 0}));
+INSTANTIATE_TEST_SUITE_P(
+    ModesAndDepths, ProfileCountTest,
+    ::testing::Values(ProfileCountCase{0, "Depth16", {}, 2, 1}, ProfileCountCase{2, "Depth16", {64, 64000}, 20, 1},
+                      ProfileCountCase{2, "Depth32", {64, 64000}, 10, 1}, ProfileCountCase{2, "Depth16", {}, 0, 1},
+                      ProfileCountCase{1, "Depth16", {6400, 6400}, 2, 0}, ProfileCountCase{1, "Depth16", {6400}, 0, 0}),
+    [](const auto& info) {
+        return "Mode" + std::to_string(info.param.mode) + "_" + info.param.depth + "_" +
+               std::to_string(info.param.chunks.size()) + "Chunks";
+    });
 
-TEST_F(LPCameraTest, LimitedBatchAcquisitionStopsAfterItsFrames)
+// Per batch number: the frames a limited batch acquisition of the device's 1000 lines delivers
+// before it stops by itself. A batch number of 0 stops it at once.
+class LimitedBatchTest : public LPCameraTest,
+                         public ::testing::WithParamInterface<std::pair<const char*, std::size_t>> {};
+
+TEST_P(LimitedBatchTest, StopsAfterItsFrames)
 {
-    LPCamera* camera = OpenedCamera();
+    LPCamera* camera = OpenedCamera(ProfileXmlWith("BatchNumber", IntegerFeature("BatchNumber", GetParam().first)));
     ASSERT_EQ(camera->SetCameraImageMode(2), 0);
-    ASSERT_EQ(DeviceValue("AcquisitionLineCount"), "1000");
-    ASSERT_EQ(DeviceValue("BatchNumber"), "100");
     ASSERT_EQ(camera->SetInfo(ViewerBiz3::CAM_ACQ_LIMIT, "1"), 0);
     FrameScript script = FrameScript::Empty().Period(5ms);
     for (uint64_t id = 1; id <= 30; ++id)
         script.Add(ProfileFrame(id, {64, 640000}));
     device->SetFrameScript(script.Then(WhenExhausted::KeepTimingOut));
 
-    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
+    ASSERT_EQ(camera->StartGrab(0, continuousGrab), 0);
 
     ASSERT_TRUE(WaitUntil([&] { return log.Contains("Info", "Stop grab image..."); }));
     EXPECT_EQ(camera->GetInfo(ViewerBiz3::CAM_GRABBING), "0");
-    EXPECT_EQ(host.ImagesWithPicture(), 10u);
+    EXPECT_EQ(host.ImagesWithPicture(), GetParam().second);
     EXPECT_EQ(device->Counters().stopGrabbings, 1u);
     // The switch is reset once the grab thread is parked again.
     EXPECT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_ACQ_LIMIT) == "0"; }));
     EXPECT_TRUE(WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
 }
 
-TEST_F(LPCameraTest, ZeroBatchNumberStopsALimitedAcquisitionAtOnce)
-{
-    LPCamera* camera = OpenedCamera(ProfileXmlWith("BatchNumber", IntegerFeature("BatchNumber", "0")));
-    ASSERT_EQ(camera->SetCameraImageMode(2), 0);
-    ASSERT_EQ(camera->SetInfo(ViewerBiz3::CAM_ACQ_LIMIT, "1"), 0);
-    device->SetFrameScript(FrameScript::Empty().Add(ProfileFrame(1, {64, 6400})).Period(5ms));
-
-    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
-
-    ASSERT_TRUE(WaitUntil([&] { return camera->GetInfo(ViewerBiz3::CAM_GRABBING) == "0"; }));
-    EXPECT_TRUE(WaitUntil([&] { return device->Counters().ImagesOutstanding() == 0; }));
-}
+INSTANTIATE_TEST_SUITE_P(BatchNumbers, LimitedBatchTest,
+                         ::testing::Values(std::pair{"100", std::size_t{10}}, std::pair{"0", std::size_t{0}}),
+                         [](const auto& info) { return std::string("BatchNumber") + info.param.first; });
 
 TEST_F(LPCameraTest, DeliveryCarriesModeAndScaler)
 {
@@ -217,7 +195,7 @@ TEST_F(LPCameraTest, DeliveryCarriesModeAndScaler)
     ASSERT_EQ(camera->SetNodeValue("OffsetY", "12", true), 0);
     device->SetFrameScript(FrameScript().Period(5ms));
 
-    ASSERT_EQ(camera->StartGrab(0, continuous), 0);
+    ASSERT_EQ(camera->StartGrab(0, continuousGrab), 0);
     ASSERT_TRUE(WaitUntil([&] { return host.ImagesWithPicture() >= 2; }));
     ASSERT_EQ(camera->StopGrab(false), 0);
     ASSERT_TRUE(WaitUntil([&] { return !host.Recorded().images.back().withImage; }));

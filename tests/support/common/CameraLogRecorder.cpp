@@ -1,16 +1,6 @@
 #include "support/common/CameraLogRecorder.h"
 
-#include "events/EventManager.h"
-
-CameraLogRecorder::CameraLogRecorder()
-{
-    m_event.RegisterLoggerUpdateListener(this);
-}
-
-CameraLogRecorder::~CameraLogRecorder()
-{
-    m_event.UnRegisterLoggerUpdateListener(this);
-}
+#include <algorithm>
 
 void CameraLogRecorder::OnLoggerUpdate(std::string, std::string level, std::string message)
 {
@@ -21,18 +11,13 @@ void CameraLogRecorder::OnLoggerUpdate(std::string, std::string level, std::stri
 std::size_t CameraLogRecorder::Count(const std::string& messagePrefix) const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    std::size_t count = 0;
-    for (const Line& line : m_lines)
-        count += line.message.rfind(messagePrefix, 0) == 0 ? 1 : 0;
-    return count;
+    return std::count_if(m_lines.begin(), m_lines.end(),
+                         [&](const Line& line) { return line.message.rfind(messagePrefix, 0) == 0; });
 }
 
 bool CameraLogRecorder::Contains(const std::string& level, const std::string& message) const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    for (const Line& line : m_lines) {
-        if (line.level == level && line.message == message)
-            return true;
-    }
-    return false;
+    return std::any_of(m_lines.begin(), m_lines.end(),
+                       [&](const Line& line) { return line.level == level && line.message == message; });
 }

@@ -6,12 +6,13 @@
 #include <vector>
 
 #include "ViewerBiz3Listeners.h"
+#include "events/EventManager.h"
 
 class CameraLogRecorder final : public ViewerBiz3::ILoggerUpdate {
 public:
     // Registers with the process's event manager; unregisters when destroyed.
-    CameraLogRecorder();
-    ~CameraLogRecorder() override;
+    CameraLogRecorder() { m_event.RegisterLoggerUpdateListener(this); }
+    ~CameraLogRecorder() override { m_event.UnRegisterLoggerUpdateListener(this); }
     CameraLogRecorder(const CameraLogRecorder&) = delete;
     CameraLogRecorder& operator=(const CameraLogRecorder&) = delete;
 

@@ -3,11 +3,6 @@
 #include <algorithm>
 #include <thread>
 
-CameraTestHost::CameraTestHost()
-{
-    SetCameraHost(this);
-}
-
 CameraTestHost::~CameraTestHost()
 {
     std::map<std::string, std::unique_ptr<Camera>> cameras;
@@ -52,21 +47,12 @@ void CameraTestHost::NotifyDeviceListUpdate(std::string listKey, std::string key
 
 void CameraTestHost::RemoveOpenedCamera(std::string key)
 {
-    std::unique_ptr<Camera> camera;
+    decltype(m_cameras)::node_type camera;
     {
         std::lock_guard<std::mutex> lock(m_mutex);
-        auto found = m_cameras.find(key);
-        if (found != m_cameras.end()) {
-            camera = std::move(found->second);
-            m_cameras.erase(found);
-        }
+        camera = m_cameras.extract(key);
     }
-    camera.reset();
+    // Deleted outside the lock: a camera's shutdown may call back into the host.
+    camera = {};
     Append(m_record.removed, key);
-}
-
-int CameraTestHost::RefreshDeviceList(int types)
-{
-    Append(m_record.refreshes, types);
-    return 0;
 }

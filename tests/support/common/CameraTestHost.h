@@ -15,6 +15,9 @@
 #include "camera/CameraHost.h"
 #include "support/common/CameraHandles.h"
 
+// The frame count StartGrab takes as "no limit".
+constexpr unsigned long long continuousGrab = 4294967295ull;
+
 class CameraTestHost final : public CameraHost {
 public:
     struct ImageEvent {
@@ -22,10 +25,6 @@ public:
         bool withImage;
         int extra1;
         int extra2;
-    };
-    struct StatisticEvent {
-        std::string key;
-        bool flag;
     };
     struct DeviceListEvent {
         std::string listKey;
@@ -37,7 +36,8 @@ public:
     // Everything the cameras told the host so far.
     struct Record {
         std::vector<ImageEvent> images;
-        std::vector<StatisticEvent> statistics;
+        // The keys of the statistics updates.
+        std::vector<std::string> statistics;
         std::vector<DeviceListEvent> deviceLists;
         std::vector<std::string> removed;
         std::vector<Camera*> addedCLCameras;
@@ -45,7 +45,7 @@ public:
     };
 
     // Registers itself as the process's camera host.
-    CameraTestHost();
+    CameraTestHost() { SetCameraHost(this); }
     // Deletes the cameras it still owns, then unregisters.
     ~CameraTestHost();
     CameraTestHost(const CameraTestHost&) = delete;
@@ -73,12 +73,16 @@ public:
     std::size_t ImagesWithPicture() const;
 
     std::size_t NotifyImageUpdate(std::string key, ZYLGENICAM::IImage* image, int extra1, int extra2) override;
-    void NotifyAcqStatisticUpdate(std::string key, bool flag) override { Append(m_record.statistics, {key, flag}); }
+    void NotifyAcqStatisticUpdate(std::string key, bool) override { Append(m_record.statistics, key); }
     void NotifyDeviceListUpdate(std::string listKey, std::string key) override;
     void NotifyDeviceListUpdate() override { Append(m_record.deviceLists, {"", "", false, ""}); }
     void RemoveOpenedCamera(std::string key) override;
     void AddCLCamera(Camera* camera) override { Append(m_record.addedCLCameras, camera); }
-    int RefreshDeviceList(int types) override;
+    int RefreshDeviceList(int types) override
+    {
+        Append(m_record.refreshes, types);
+        return 0;
+    }
 
 private:
     template <typename Event>
