@@ -12,8 +12,6 @@
 #include "support/common/SdkCameraFeatures.h"
 
 using namespace ZYLGENICAM;
-using SdkCameraFeatures::Read;
-using SdkCameraFeatures::Write;
 
 namespace {
 
@@ -45,12 +43,15 @@ protected:
             return nullptr;
         }
         if (smallAndFast) {
-            Write(m_camera, "Width", "64");
-            Write(m_camera, "Height", "48");
-            Write(m_camera, "AcquisitionFrameRate", "1000");
+            Write("Width", "64");
+            Write("Height", "48");
+            Write("AcquisitionFrameRate", "1000");
         }
         return m_camera;
     }
+
+    GenApi::CValuePtr Feature(const char* name) { return m_camera->GetModule3()->GetNodeMap()->GetNode(name); }
+    void Write(const char* name, const char* text) { Feature(name)->FromString(text); }
 
     // The chunk count of the next frame and the size of what it carries after the image: its
     // second chunk, or without chunks the image itself.
@@ -171,17 +172,17 @@ TEST_F(SdkSimulatedCameraTest, ProfileCameraSendsProfilesAsTheSecondChunkInItsCa
     ICamera* camera = Open("F-SIM-01", false);
     ASSERT_NE(camera, nullptr);
     // On, unlike the host's wish, so that the host visibly switches it off.
-    EXPECT_EQ(Read(camera, "CenterImageY"), "On");
-    Write(camera, "AcquisitionFrameRate", "500");
+    EXPECT_STREQ(Feature("CenterImageY")->ToString().c_str(), "On");
+    Write("AcquisitionFrameRate", "500");
 
     EXPECT_EQ(NextFrameChunks(camera), FrameChunks(2, 6400)) << "mode 1: one 16-bit profile per frame";
-    Write(camera, "BatchEnable", "1");
-    Write(camera, "BatchNumber", "100");
+    Write("BatchEnable", "1");
+    Write("BatchNumber", "100");
     EXPECT_EQ(NextFrameChunks(camera), FrameChunks(2, 100 * 6400)) << "mode 2: a batch of profiles";
-    Write(camera, "DepthDataType", "Depth32Bit");
+    Write("DepthDataType", "Depth32Bit");
     EXPECT_EQ(NextFrameChunks(camera), FrameChunks(2, 100 * 12800));
-    Write(camera, "EnableImage", "1");
-    Write(camera, "EnableCalibration", "0");
+    Write("EnableImage", "1");
+    Write("EnableCalibration", "0");
     EXPECT_EQ(NextFrameChunks(camera), FrameChunks(0, 3200 * 32 * 2)) << "mode 0: a 16-bit image";
 }
 

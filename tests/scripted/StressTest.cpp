@@ -81,17 +81,17 @@ private:
 
     const Scripted::DeviceDescription& PickVictim()
     {
-        std::vector<const Scripted::DeviceDescription*> open;
-        for (const std::string& id : ViewerBiz3::GetOpenedCameraIds()) {
-            for (const auto& camera : m_cameras) {
-                if (id.find("(" + camera.identity.serialNumber + ")") != std::string::npos) {
-                    open.push_back(&camera);
-                }
+        const std::vector<std::string> open = ViewerBiz3::GetOpenedCameraIds();
+        const std::string id = open.empty() ? "" : open[Pick(open.size())];
+        for (const auto& camera : m_cameras) {
+            if (id.find("(" + camera.identity.serialNumber + ")") != std::string::npos) {
+                return camera;
             }
         }
-        std::uniform_int_distribution<std::size_t> pick(0, (open.empty() ? m_cameras.size() : open.size()) - 1);
-        return open.empty() ? m_cameras[pick(m_random)] : *open[pick(m_random)];
+        return m_cameras[Pick(m_cameras.size())];
     }
+
+    std::size_t Pick(std::size_t count) { return std::uniform_int_distribution<std::size_t>(0, count - 1)(m_random); }
 
     // True when stopped meanwhile.
     bool Pause(int shortestMilliseconds, int longestMilliseconds)
@@ -117,10 +117,6 @@ TEST(Stress, HostThreadsSurviveLostCamerasAndLeaveNothingBehind)
                        "Cam3(S3)", "Prof(F100)", "Profb(F100)", "Nobody(0)"};
     scene.renames = {{"Cam1(S1)", "Cam1b"}, {"Cam1b(S1)", "Cam1"},   {"Cam2(S2)", "Cam2b"},
                      {"Cam2b(S2)", "Cam2"}, {"Prof(F100)", "Profb"}, {"Profb(F100)", "Prof"}};
-    scene.nodes = {{"Width", {"320", "640", "99999"}},
-                   {"Height", {"240", "480"}},
-                   {"AcquisitionMode", {"Continuous", "NoSuchMode"}},
-                   {"NoSuchFeature", {"1"}}};
     scene.transports = ZYLGENICAM::TL_GIGE | ZYLGENICAM::TL_USB;
     LossInjector losses(seed);
     StressSession session(scene);

@@ -61,17 +61,9 @@ ListenerList List(int (*add)(Interface*), int (*remove)(Interface*))
 const std::vector<ListenerList>& ListenerLists()
 {
     static const std::vector<ListenerList> lists = {
-        List(RegisterTLTypeUpdateListener, UnRegisterTLTypeUpdateListerner),
         List(RegisterDeviceListUpdateListener, UnRegisterDeviceListUpdateListener),
-        List(RegisterFocusUpdateListener, UnRegisterFocusUpdateListener),
-        List(RegisterLayoutUpdateListener, UnRegisterLayoutUpdateListener),
-        List(RegisterImageModeUpdateListener, UnRegisterImageModeUpdateListener),
-        List(RegisterSLImageShowModeUpdateListener, UnRegisterSLImageShowModeUpdateListener),
-        List(RegisterImportUpdateListener, UnRegisterImportUpdateListener),
         List(RegisterLoggerUpdateListener, UnRegisterLoggerUpdateListener),
         List(RegisterROIUpdateListener, UnRegisterROIUpdateListener),
-        List(RegisterCorrectionUpdateListener, UnRegisterCorrectionUpdateListener),
-        List(RegisterLangUpdateListener, UnRegisterLangUpdateListener),
         List(RegisterCameraIdUpdateListener, UnRegisterCameraIdUpdateListener),
     };
     return lists;
@@ -132,6 +124,21 @@ void RunWorkers(std::size_t workers, std::uint32_t seed, std::chrono::seconds du
 }
 
 } // namespace
+
+std::uint32_t StressSeed(std::uint32_t defaultSeed)
+{
+    const char* text = std::getenv("VB3_STRESS_SEED");
+    const auto seed = text != nullptr ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : defaultSeed;
+    std::printf("stress seed %u (VB3_STRESS_SEED replays a run)\n", seed);
+    std::fflush(stdout); // seen even when the run aborts
+    return seed;
+}
+
+std::chrono::seconds StressDuration(std::chrono::seconds defaultDuration)
+{
+    const char* text = std::getenv("VB3_STRESS_SECONDS");
+    return text != nullptr ? std::chrono::seconds(std::strtol(text, nullptr, 10)) : defaultDuration;
+}
 
 StressSession::StressSession(StressScene scene) : m_scene(std::move(scene))
 {
@@ -195,7 +202,6 @@ void StressSession::Run(std::size_t threads, std::uint32_t seed, std::chrono::se
         {"CloseCamera", 1, Throttled(std::chrono::milliseconds(400), [id](auto& r) { CloseCamera(id(r)); })},
         {"StartGrab", 3, [this, id](auto& r) { m_grabs += StartGrab(id(r)) == 0 ? 1 : 0; }},
         {"StopGrab", 1, Throttled(std::chrono::milliseconds(250), [id](auto& r) { StopGrab(id(r)); })},
-        {"GetOpenedCameraIds", 1, [](auto&) { GetOpenedCameraIds(); }},
         {"GetCameraInfo", 1, [id](auto& r) { GetCameraInfo(id(r), CAM_INFO(PickNumber(r, -1, 70))); }},
         {"SetCameraInfo", 1,
          [id](auto& r) { SetCameraInfo(id(r), CAM_INFO(PickNumber(r, 40, 43)), std::to_string(r())); }},
@@ -224,13 +230,6 @@ void StressSession::Run(std::size_t threads, std::uint32_t seed, std::chrono::se
              SetParamterInfo(PARAMETER_INFO(PickNumber(r, 0, 33)), "value" + std::to_string(r() % 1000));
              GetParamterInfo(PARAMETER_INFO(PickNumber(r, 0, 33)));
          }},
-        {"LayoutAndLanguage", 1,
-         [](auto& r) {
-             SetImgLayout(LAYOUT_TYPE(PickNumber(r, 1, 4)));
-             SetLang(r() % 2 == 0 ? "en" : "zh");
-             GetImgLayout();
-             GetLang();
-         }},
         {"RegisterOrUnRegister", 1,
          [this](auto& r) {
              const ListenerList& list = PickFrom(ListenerLists(), r);
@@ -240,8 +239,6 @@ void StressSession::Run(std::size_t threads, std::uint32_t seed, std::chrono::se
          [id](auto& r) {
              int index = 0;
              bool result = false;
-             NotifyImportUpdate("import");
-             NotifyCorrection(id(r), 1, 0.5f, nullptr);
              DrawROI(id(r), 1, 2, 3, 4, index, result, 0, 0);
              VLogInfo("stress", "host line", static_cast<int>(r() % 2));
          }},
