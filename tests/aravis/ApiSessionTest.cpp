@@ -78,11 +78,6 @@ protected:
         m_applicationDirectory.emplace(m_directory.Path());
         Utilities::StartLogFile(m_directory.Path(), 1 << 20);
         ASSERT_EQ(-1, Init());
-        ASSERT_NO_FATAL_FAILURE(ListCameras());
-    }
-
-    void ListCameras()
-    {
         ASSERT_EQ(0, RegisterDeviceListUpdateListener(&host));
         ASSERT_EQ(0, SetTLTypeList(SimulatedTransport));
         ASSERT_EQ(0, RefreshCameraList(SimulatedTransport));

@@ -13,10 +13,6 @@ TEST(StressSimulated, HostThreadsOnSimulatedCamerasLeaveNothingBehind)
     StressScene scene;
     scene.cameraIds = {"SimArea(SIM-AREA-01)", "SimAreaB(SIM-AREA-01)", "SimShowMode(SIM-SL-01)",
                        "SimProfile(F-SIM-01)", "SimProfileB(F-SIM-01)", "Nobody(0)"};
-    scene.renames = {{"SimArea(SIM-AREA-01)", "SimAreaB"},
-                     {"SimAreaB(SIM-AREA-01)", "SimArea"},
-                     {"SimProfile(F-SIM-01)", "SimProfileB"},
-                     {"SimProfileB(F-SIM-01)", "SimProfile"}};
     scene.nodes.push_back({"AcquisitionFrameRate", {"50", "200"}});
     scene.transports = 8;
     StressSession session(scene);

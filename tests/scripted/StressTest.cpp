@@ -115,8 +115,6 @@ TEST(Stress, HostThreadsSurviveLostCamerasAndLeaveNothingBehind)
     StressScene scene;
     scene.cameraIds = {"Cam1(S1)", "Cam1b(S1)",  "Cam2(S2)",    "Cam2b(S2)",
                        "Cam3(S3)", "Prof(F100)", "Profb(F100)", "Nobody(0)"};
-    scene.renames = {{"Cam1(S1)", "Cam1b"}, {"Cam1b(S1)", "Cam1"},   {"Cam2(S2)", "Cam2b"},
-                     {"Cam2b(S2)", "Cam2"}, {"Prof(F100)", "Profb"}, {"Profb(F100)", "Prof"}};
     scene.transports = ZYLGENICAM::TL_GIGE | ZYLGENICAM::TL_USB;
     LossInjector losses(seed);
     StressSession session(scene);

@@ -17,7 +17,7 @@
 #include "support/common/ApplicationDirectoryScope.h"
 #include "support/common/TempDirectory.h"
 
-// Listens on a sample of the lists (the others share their code); counts the lost cameras it is
+// Listens on a sample of the lists a host may change at any time; counts the lost cameras it is
 // told of.
 class StressListener final : public ViewerBiz3::IDeviceListUpdate,
                              public ViewerBiz3::ILoggerUpdate,
@@ -51,10 +51,9 @@ public:
 };
 
 struct StressScene {
-    // The identifiers a host may use, the first listed from the start (some stale on purpose).
+    // The identifiers a host may use, the first listed from the start (some stale on purpose); a
+    // camera is renamed to the names listed for its serial number.
     std::vector<std::string> cameraIds;
-    // Rename pairs: a camera listed under first is renamed to the user name second.
-    std::vector<std::pair<std::string, std::string>> renames;
     // Features and the values written to them at random.
     std::vector<std::pair<std::string, std::vector<std::string>>> nodes = {
         {"Width", {"320", "640", "99999"}},

@@ -25,7 +25,6 @@ public:
     TempDirectory& operator=(const TempDirectory&) = delete;
 
     const std::string& Path() const { return m_path; }
-    // Path() + "/" + name.
     std::string File(const std::string& name) const { return m_path + "/" + name; }
 
 private:
