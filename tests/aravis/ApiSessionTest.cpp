@@ -19,9 +19,7 @@
 #include "support/common/WaitUntil.h"
 
 using namespace ViewerBiz3;
-using ::testing::Contains;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 namespace {
 
@@ -116,7 +114,7 @@ TEST_F(ApiSession, AQuitWhileGrabbingThenAWholeSession)
     EXPECT_EQ("0", GetCameraInfo(AreaCamera, CAM_KIND));
 
     ASSERT_EQ(0, OpenCamera(AreaCamera));
-    EXPECT_THAT(GetOpenedCameraIds(), Contains(AreaCamera));
+    EXPECT_EQ(std::vector<std::string>{AreaCamera}, GetOpenedCameraIds());
     EXPECT_EQ("1", GetCameraInfo(AreaCamera, CAM_OPENED));
 
     std::string width;
@@ -146,7 +144,7 @@ TEST_F(ApiSession, AQuitWhileGrabbingThenAWholeSession)
     EXPECT_EQ(1, host.areaEntries.load());
 
     EXPECT_EQ(0, CloseCamera(AreaCamera));
-    EXPECT_THAT(GetOpenedCameraIds(), IsEmpty());
+    EXPECT_TRUE(GetOpenedCameraIds().empty());
     EXPECT_EQ(0, SetParamterInfo(PARAM_IMAGE_FILE_SAVE_PREFIX, "SESSION"));
     EXPECT_EQ(0, UnInit());
     EXPECT_THAT(ReadTextFile(SettingsFile()), HasSubstr("ImageFileSavePrefix = SESSION"));

@@ -80,11 +80,8 @@ TEST_F(SdkSimulatedCameraTest, DiscoveryListsOnlyTheSimulatedCamerasTheEnvironme
         {"1", {"SIM-AREA-01", "SIM-SL-01", "F-SIM-01"}},
     };
     for (const auto& [environment, serials] : cases) {
-        if (environment.empty()) {
-            unsetenv("VIEWERBIZ3_SIMULATED_CAMERAS");
-        } else {
-            setenv("VIEWERBIZ3_SIMULATED_CAMERAS", environment.c_str(), 1);
-        }
+        environment.empty() ? unsetenv("VIEWERBIZ3_SIMULATED_CAMERAS")
+                            : setenv("VIEWERBIZ3_SIMULATED_CAMERAS", environment.c_str(), 1);
         std::vector<std::string> listed;
         for (ICameraInfo* info : DiscoveryByTLType(TL_SIMULATED | TL_CAMERALINK)) {
             listed.push_back(info->GetSerialNumber());
@@ -155,14 +152,11 @@ TEST_F(SdkSimulatedCameraTest, HeldFramesEmptyThePoolUntilReleased)
         frame->Release();
 }
 
-TEST_F(SdkSimulatedCameraTest, ShowModeFramesCarryTheImageAndThenAnInformationChunk)
+TEST_F(SdkSimulatedCameraTest, ChunkCamerasSendTheImageThenInformationOrProfilesInTheirModes)
 {
     ASSERT_NO_FATAL_FAILURE(Open("SIM-SL-01"));
-    EXPECT_EQ(NextFrameChunks(), FrameChunks(2, 32));
-}
-
-TEST_F(SdkSimulatedCameraTest, ProfileCameraSendsProfilesAsTheSecondChunkInItsCalibratedModes)
-{
+    EXPECT_EQ(NextFrameChunks(), FrameChunks(2, 32)) << "show mode: a frame information chunk";
+    m_camera->Destroy();
     ASSERT_NO_FATAL_FAILURE(Open("F-SIM-01", false));
     // On, unlike the host's wish, so that the host visibly switches it off.
     EXPECT_STREQ(Feature("CenterImageY")->ToString().c_str(), "On");

@@ -1,6 +1,5 @@
-// Host threads call the exported functions at random on the three simulated cameras (transport 8
-// only: nothing goes on a network); 10 s by default, so that the plain and two sanitizer CI runs
-// stay within budget.
+// Host threads call the exported functions at random on the simulated cameras (transport 8 only:
+// nothing goes on a network); 10 s by default to keep the plain and sanitizer CI runs short.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

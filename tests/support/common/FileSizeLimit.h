@@ -1,6 +1,5 @@
-// Makes every file write of this process beyond a few bytes fail as on a full disk (RLIMIT_FSIZE,
-// with SIGXFSZ ignored so the write returns EFBIG instead of killing the test), until the object
-// goes away.
+// Makes every file write of this process beyond maxBytes fail as on a full disk (RLIMIT_FSIZE;
+// SIGXFSZ ignored so that the write returns EFBIG instead of killing the test) while it lives.
 #pragma once
 
 #include <sys/resource.h>

@@ -1,7 +1,6 @@
-// A host's random calls through the exported functions, for the stress tests, and the listeners
-// such a host keeps. Image and statistics listeners are not among the lists registered at random:
-// those lists are walked without a lock while grabbing, so a host may change them only with every
-// camera stopped.
+// A host's random calls through the exported functions for the stress tests, and its listeners.
+// Image and statistics listeners are never changed at random: those lists are walked without a lock
+// while grabbing, so a host may change them only with every camera stopped.
 #pragma once
 
 #include <atomic>
@@ -72,9 +71,8 @@ std::chrono::seconds StressDuration(std::chrono::seconds defaultDuration);
 // the settings file read back after UnInit.
 class StressSession {
 public:
-    // One Init and UnInit first, so that runtimes (GLib, sanitizers) start the threads they keep
-    // for the whole process before those are counted. Then Init with the session's own application
-    // directory, list the cameras and register the listeners.
+    // A first Init and UnInit lets runtimes (GLib, sanitizers) start their lifelong threads before
+    // the count; then Init in the session's own directory, list the cameras, register the listeners.
     explicit StressSession(StressScene scene);
     // Host threads call the exported functions at random for `duration`.
     void Run(std::size_t threads, std::uint32_t seed, std::chrono::seconds duration);

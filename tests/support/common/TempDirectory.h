@@ -1,5 +1,4 @@
-// A fresh directory under the system's temporary folder, removed with all its contents when the
-// object goes away.
+// A fresh directory under the system's temporary folder, removed with its contents with the object.
 #pragma once
 
 #include <stdlib.h>
