@@ -23,13 +23,13 @@ TEST(LostDeviceTeardown, LetsGoInOrderOnAWorkerThatEndsWhenDrained)
     std::vector<int> order;
     // An object that notes when it was let go, after `release` when given.
     auto object = [&](int number, std::shared_future<void> release = {}) {
-        return std::shared_ptr<void>(new int(number), [&, release](void* pointer) {
+        return std::shared_ptr<int>(new int(number), [&, release](int* pointer) {
             if (release.valid()) {
                 release.wait();
             }
-            std::unique_ptr<int> object(static_cast<int*>(pointer));
             std::lock_guard<std::mutex> lock(mutex);
-            order.push_back(*object);
+            order.push_back(*pointer);
+            delete pointer;
         });
     };
     std::promise<void> releaseFirst;

@@ -12,8 +12,6 @@
 #include "support/common/SdkCameraFeatures.h"
 
 using namespace ZYLGENICAM;
-using SdkCameraFeatures::Read;
-using SdkCameraFeatures::Write;
 
 namespace {
 
@@ -37,36 +35,36 @@ protected:
     }
 
     // Opened, with a small fast stream when asked, so that many frames come quickly.
-    ICamera* Open(const std::string& serial, bool smallAndFast = true)
+    void Open(const std::string& serial, bool smallAndFast = true)
     {
         m_camera = SdkCameraFeatures::CreateBySerial(TL_SIMULATED, serial);
-        if (m_camera == nullptr || m_camera->Open(0) != SDK_OK) {
-            ADD_FAILURE() << "cannot open " << serial;
-            return nullptr;
-        }
+        ASSERT_NE(m_camera, nullptr) << serial;
+        ASSERT_EQ(m_camera->Open(0), SDK_OK) << serial;
         if (smallAndFast) {
-            Write(m_camera, "Width", "64");
-            Write(m_camera, "Height", "48");
-            Write(m_camera, "AcquisitionFrameRate", "1000");
+            Write("Width", "64");
+            Write("Height", "48");
+            Write("AcquisitionFrameRate", "1000");
         }
-        return m_camera;
     }
+
+    GenApi::CValuePtr Feature(const char* name) { return m_camera->GetModule3()->GetNodeMap()->GetNode(name); }
+    void Write(const char* name, const char* text) { Feature(name)->FromString(text); }
 
     // The chunk count of the next frame and the size of what it carries after the image: its
     // second chunk, or without chunks the image itself.
-    static FrameChunks NextFrameChunks(ICamera* camera)
+    FrameChunks NextFrameChunks()
     {
-        EXPECT_EQ(camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
+        EXPECT_EQ(m_camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
         IImage* image = nullptr;
         FrameChunks found{0, 0};
-        if (camera->GetImage(image, kWaitMs) == SDK_OK) {
+        if (m_camera->GetImage(image, kWaitMs) == SDK_OK) {
             const std::list<IChunk*> chunks = image->GetChunkList();
             EXPECT_TRUE(chunks.empty() || chunks.front()->GetChunkData() == image->GetData()) << "the image first";
             found = {chunks.size(),
                      chunks.size() >= 2 ? (*std::next(chunks.begin()))->GetChunkSize() : image->GetDataSize()};
             image->Release();
         }
-        EXPECT_EQ(camera->StopGrabbing(), SDK_OK);
+        EXPECT_EQ(m_camera->StopGrabbing(), SDK_OK);
         return found;
     }
 
@@ -82,11 +80,8 @@ TEST_F(SdkSimulatedCameraTest, DiscoveryListsOnlyTheSimulatedCamerasTheEnvironme
         {"1", {"SIM-AREA-01", "SIM-SL-01", "F-SIM-01"}},
     };
     for (const auto& [environment, serials] : cases) {
-        if (environment.empty()) {
-            unsetenv("VIEWERBIZ3_SIMULATED_CAMERAS");
-        } else {
-            setenv("VIEWERBIZ3_SIMULATED_CAMERAS", environment.c_str(), 1);
-        }
+        environment.empty() ? unsetenv("VIEWERBIZ3_SIMULATED_CAMERAS")
+                            : setenv("VIEWERBIZ3_SIMULATED_CAMERAS", environment.c_str(), 1);
         std::vector<std::string> listed;
         for (ICameraInfo* info : DiscoveryByTLType(TL_SIMULATED | TL_CAMERALINK)) {
             listed.push_back(info->GetSerialNumber());
@@ -98,16 +93,15 @@ TEST_F(SdkSimulatedCameraTest, DiscoveryListsOnlyTheSimulatedCamerasTheEnvironme
 
 TEST_F(SdkSimulatedCameraTest, FramesCountAcrossTheSixteenBitWrapAndOutliveTheStopAndTheCamera)
 {
-    ICamera* camera = Open("SIM-AREA-01");
-    ASSERT_NE(camera, nullptr);
+    ASSERT_NO_FATAL_FAILURE(Open("SIM-AREA-01"));
     IImage* image = nullptr;
-    EXPECT_EQ(camera->GetImage(image, 10), SDK_ERROR) << "not grabbing";
-    ASSERT_EQ(camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
+    EXPECT_EQ(m_camera->GetImage(image, 10), SDK_ERROR) << "not grabbing";
+    ASSERT_EQ(m_camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
 
     // The simulator's 16-bit ids start near 65535, so 300 frames cross the wrap to 1.
     uint64_t previous = 0;
     for (int i = 0; i < 300; ++i) {
-        ASSERT_EQ(camera->GetImage(image, kWaitMs), SDK_OK) << "frame " << i;
+        ASSERT_EQ(m_camera->GetImage(image, kWaitMs), SDK_OK) << "frame " << i;
         EXPECT_EQ(image->GetDataSize(), 64u * 48u);
         EXPECT_TRUE(previous == 0 || image->GetFrameId() == previous + 1) << previous << ", " << image->GetFrameId();
         previous = image->GetFrameId();
@@ -116,13 +110,13 @@ TEST_F(SdkSimulatedCameraTest, FramesCountAcrossTheSixteenBitWrapAndOutliveTheSt
     EXPECT_GT(previous, 65535u);
 
     IImage* kept = nullptr;
-    ASSERT_EQ(camera->GetImage(kept, kWaitMs), SDK_OK);
-    ASSERT_EQ(camera->StopGrabbing(), SDK_OK);
+    ASSERT_EQ(m_camera->GetImage(kept, kWaitMs), SDK_OK);
+    ASSERT_EQ(m_camera->StopGrabbing(), SDK_OK);
     // A new acquisition gets a fresh pool while the old frame is still out.
-    ASSERT_EQ(camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
-    ASSERT_EQ(camera->GetImage(image, kWaitMs), SDK_OK);
+    ASSERT_EQ(m_camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
+    ASSERT_EQ(m_camera->GetImage(image, kWaitMs), SDK_OK);
+    m_camera->Destroy();
     m_camera = nullptr;
-    camera->Destroy();
     const auto* pixels = static_cast<const uint8_t*>(kept->GetData());
     EXPECT_NE(std::vector<uint8_t>(pixels, pixels + kept->GetDataSize()), std::vector<uint8_t>(64 * 48, 0));
     kept->Release();
@@ -131,21 +125,20 @@ TEST_F(SdkSimulatedCameraTest, FramesCountAcrossTheSixteenBitWrapAndOutliveTheSt
 
 TEST_F(SdkSimulatedCameraTest, HeldFramesEmptyThePoolUntilReleased)
 {
-    ICamera* camera = Open("SIM-AREA-01");
-    ASSERT_NE(camera, nullptr);
-    GenApi::INodeMap* stream = camera->GetModule4()->GetNodeMap();
+    ASSERT_NO_FATAL_FAILURE(Open("SIM-AREA-01"));
+    GenApi::INodeMap* stream = m_camera->GetModule4()->GetNodeMap();
     auto counter = [stream](const char* name) { return GenApi::CIntegerPtr(stream->GetNode(name))->GetValue(); };
     GenApi::CIntegerPtr bufferCount = stream->GetNode("StreamBufferCount");
     bufferCount->SetValue(1);
     EXPECT_EQ(bufferCount->GetValue(), 1) << "one buffer is the smallest pool";
     bufferCount->SetValue(4);
-    ASSERT_EQ(camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
+    ASSERT_EQ(m_camera->StartGrabbing(0, NO_FRAME_LIMIT), SDK_OK);
     std::vector<IImage*> held;
     IImage* image = nullptr;
-    int result = camera->GetImage(image, kWaitMs);
+    int result = m_camera->GetImage(image, kWaitMs);
     while (result == SDK_OK) {
         held.push_back(image);
-        result = camera->GetImage(image, 300);
+        result = m_camera->GetImage(image, 300);
     }
     EXPECT_EQ(result, SDK_TIMEOUT);
     EXPECT_EQ(image, nullptr);
@@ -154,35 +147,30 @@ TEST_F(SdkSimulatedCameraTest, HeldFramesEmptyThePoolUntilReleased)
     EXPECT_GT(counter("StreamUnderrunBuffers"), 0) << "frames came while every buffer was held";
     EXPECT_EQ(counter("StreamFailedBuffers"), 0);
     held.back()->Release();
-    EXPECT_EQ(camera->GetImage(held.back(), kWaitMs), SDK_OK);
+    EXPECT_EQ(m_camera->GetImage(held.back(), kWaitMs), SDK_OK);
     for (IImage* frame : held)
         frame->Release();
 }
 
-TEST_F(SdkSimulatedCameraTest, ShowModeFramesCarryTheImageAndThenAnInformationChunk)
+TEST_F(SdkSimulatedCameraTest, ChunkCamerasSendTheImageThenInformationOrProfilesInTheirModes)
 {
-    ICamera* camera = Open("SIM-SL-01");
-    ASSERT_NE(camera, nullptr);
-    EXPECT_EQ(NextFrameChunks(camera), FrameChunks(2, 32));
-}
-
-TEST_F(SdkSimulatedCameraTest, ProfileCameraSendsProfilesAsTheSecondChunkInItsCalibratedModes)
-{
-    ICamera* camera = Open("F-SIM-01", false);
-    ASSERT_NE(camera, nullptr);
+    ASSERT_NO_FATAL_FAILURE(Open("SIM-SL-01"));
+    EXPECT_EQ(NextFrameChunks(), FrameChunks(2, 32)) << "show mode: a frame information chunk";
+    m_camera->Destroy();
+    ASSERT_NO_FATAL_FAILURE(Open("F-SIM-01", false));
     // On, unlike the host's wish, so that the host visibly switches it off.
-    EXPECT_EQ(Read(camera, "CenterImageY"), "On");
-    Write(camera, "AcquisitionFrameRate", "500");
+    EXPECT_STREQ(Feature("CenterImageY")->ToString().c_str(), "On");
+    Write("AcquisitionFrameRate", "500");
 
-    EXPECT_EQ(NextFrameChunks(camera), FrameChunks(2, 6400)) << "mode 1: one 16-bit profile per frame";
-    Write(camera, "BatchEnable", "1");
-    Write(camera, "BatchNumber", "100");
-    EXPECT_EQ(NextFrameChunks(camera), FrameChunks(2, 100 * 6400)) << "mode 2: a batch of profiles";
-    Write(camera, "DepthDataType", "Depth32Bit");
-    EXPECT_EQ(NextFrameChunks(camera), FrameChunks(2, 100 * 12800));
-    Write(camera, "EnableImage", "1");
-    Write(camera, "EnableCalibration", "0");
-    EXPECT_EQ(NextFrameChunks(camera), FrameChunks(0, 3200 * 32 * 2)) << "mode 0: a 16-bit image";
+    EXPECT_EQ(NextFrameChunks(), FrameChunks(2, 6400)) << "mode 1: one 16-bit profile per frame";
+    Write("BatchEnable", "1");
+    Write("BatchNumber", "100");
+    EXPECT_EQ(NextFrameChunks(), FrameChunks(2, 100 * 6400)) << "mode 2: a batch of profiles";
+    Write("DepthDataType", "Depth32Bit");
+    EXPECT_EQ(NextFrameChunks(), FrameChunks(2, 100 * 12800));
+    Write("EnableImage", "1");
+    Write("EnableCalibration", "0");
+    EXPECT_EQ(NextFrameChunks(), FrameChunks(0, 3200 * 32 * 2)) << "mode 0: a 16-bit image";
 }
 
 } // namespace

@@ -1,6 +1,5 @@
-// Makes every file write of this process beyond a few bytes fail as on a full disk (RLIMIT_FSIZE,
-// with SIGXFSZ ignored so the write returns EFBIG instead of killing the test), until the object
-// goes away.
+// Makes every file write of this process beyond maxBytes fail as on a full disk (RLIMIT_FSIZE;
+// SIGXFSZ ignored so that the write returns EFBIG instead of killing the test) while it lives.
 #pragma once
 
 #include <sys/resource.h>
@@ -13,26 +12,24 @@ class FileSizeLimit {
 public:
     explicit FileSizeLimit(std::size_t maxBytes)
     {
-        struct sigaction ignore {};
-        ignore.sa_handler = SIG_IGN;
-        sigaction(SIGXFSZ, &ignore, &m_previousAction);
+        m_previousHandler = std::signal(SIGXFSZ, SIG_IGN);
         getrlimit(RLIMIT_FSIZE, &m_previousLimit);
         rlimit limited = m_previousLimit;
         limited.rlim_cur = maxBytes;
         if (setrlimit(RLIMIT_FSIZE, &limited) != 0) {
-            sigaction(SIGXFSZ, &m_previousAction, nullptr);
+            std::signal(SIGXFSZ, m_previousHandler);
             throw std::runtime_error("cannot limit the file size");
         }
     }
     ~FileSizeLimit()
     {
         setrlimit(RLIMIT_FSIZE, &m_previousLimit);
-        sigaction(SIGXFSZ, &m_previousAction, nullptr);
+        std::signal(SIGXFSZ, m_previousHandler);
     }
     FileSizeLimit(const FileSizeLimit&) = delete;
     FileSizeLimit& operator=(const FileSizeLimit&) = delete;
 
 private:
     rlimit m_previousLimit{};
-    struct sigaction m_previousAction {};
+    void (*m_previousHandler)(int) = nullptr;
 };

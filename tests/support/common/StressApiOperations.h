@@ -1,7 +1,6 @@
-// A host's random calls through the exported functions, for the stress tests, and the listeners
-// such a host keeps. Image and statistics listeners are not among the lists registered at random:
-// those lists are walked without a lock while grabbing, so a host may change them only with every
-// camera stopped.
+// A host's random calls through the exported functions for the stress tests, and its listeners.
+// Image and statistics listeners are never changed at random: those lists are walked without a lock
+// while grabbing, so a host may change them only with every camera stopped.
 #pragma once
 
 #include <atomic>
@@ -15,37 +14,21 @@
 #include "ViewerBiz3.h"
 #include "ZylImage.h"
 #include "support/common/ApplicationDirectoryScope.h"
-#include "support/common/StressRun.h"
 #include "support/common/TempDirectory.h"
 
-// Listens on every list a host may change at any time; counts the lost cameras it is told of.
-class StressListener final : public ViewerBiz3::ITLTypeUpdate,
-                             public ViewerBiz3::IDeviceListUpdate,
-                             public ViewerBiz3::IFocusUpdate,
-                             public ViewerBiz3::ILayoutUpdate,
-                             public ViewerBiz3::IImageModeUpdate,
-                             public ViewerBiz3::ISLImageShowModeUpdate,
-                             public ViewerBiz3::IImportUpdate,
+// Listens on a sample of the lists a host may change at any time; counts the lost cameras it is
+// told of.
+class StressListener final : public ViewerBiz3::IDeviceListUpdate,
                              public ViewerBiz3::ILoggerUpdate,
                              public ViewerBiz3::IROIDrawUpdate,
-                             public ViewerBiz3::ICorrectionUpdate,
-                             public ViewerBiz3::ILangUpdate,
                              public ViewerBiz3::ICameraIdUpdate {
 public:
-    void OnTLTypeUpdate(unsigned long long) override {}
     void OnDeviceListUpdate(int, std::vector<std::string>, std::vector<std::string>) override {}
-    void OnFocusUpdate(ViewerBiz3::FOCUS_TYPE, std::string) override {}
-    void OnLayoutUpdate(ViewerBiz3::LAYOUT_TYPE) override {}
-    void OnImageModeUpdate(std::string, int) override {}
-    void OnSLImageShowModeUpdate(std::string, int) override {}
-    void OnImportUpdate(std::string) override {}
     void OnLoggerUpdate(std::string, std::string, std::string message) override
     {
         lossLines += message == "Camera is lost." ? 1 : 0;
     }
     void OnROIDrawUpdate(std::string, int, int, int, int, int, int&, bool&, int, int) override {}
-    void OnCorrectionUpdate(std::string, int, float, void*) override {}
-    void OnLangUpdate(std::string) override {}
     void OnCameraIdUpdate(std::string, std::string) override {}
 
     std::atomic<std::uint64_t> lossLines{0};
@@ -67,22 +50,29 @@ public:
 };
 
 struct StressScene {
-    // The identifiers a host may use, the first listed from the start (some stale on purpose).
+    // The identifiers a host may use, the first listed from the start (some stale on purpose); a
+    // camera is renamed to the names listed for its serial number.
     std::vector<std::string> cameraIds;
-    // Rename pairs: a camera listed under first is renamed to the user name second.
-    std::vector<std::pair<std::string, std::string>> renames;
     // Features and the values written to them at random.
-    std::vector<std::pair<std::string, std::vector<std::string>>> nodes;
+    std::vector<std::pair<std::string, std::vector<std::string>>> nodes = {
+        {"Width", {"320", "640", "99999"}},
+        {"Height", {"240", "480"}},
+        {"AcquisitionMode", {"Continuous", "NoSuchMode"}},
+        {"NoSuchFeature", {"1"}}};
     int transports = 0;
 };
+
+// VB3_STRESS_SEED when set, else the default; printed so that a failure can be replayed.
+std::uint32_t StressSeed(std::uint32_t defaultSeed);
+// VB3_STRESS_SECONDS when set, else the default.
+std::chrono::seconds StressDuration(std::chrono::seconds defaultDuration);
 
 // One stress session of host threads on a scene, from the threads the process had before Init to
 // the settings file read back after UnInit.
 class StressSession {
 public:
-    // One Init and UnInit first, so that runtimes (GLib, sanitizers) start the threads they keep
-    // for the whole process before those are counted. Then Init with the session's own application
-    // directory, list the cameras and register the listeners.
+    // A first Init and UnInit lets runtimes (GLib, sanitizers) start their lifelong threads before
+    // the count; then Init in the session's own directory, list the cameras, register the listeners.
     explicit StressSession(StressScene scene);
     // Host threads call the exported functions at random for `duration`.
     void Run(std::size_t threads, std::uint32_t seed, std::chrono::seconds duration);

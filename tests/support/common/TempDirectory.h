@@ -1,5 +1,4 @@
-// A fresh directory under the system's temporary folder, removed with all its contents when the
-// object goes away.
+// A fresh directory under the system's temporary folder, removed with its contents with the object.
 #pragma once
 
 #include <stdlib.h>
@@ -25,7 +24,6 @@ public:
     TempDirectory& operator=(const TempDirectory&) = delete;
 
     const std::string& Path() const { return m_path; }
-    // Path() + "/" + name.
     std::string File(const std::string& name) const { return m_path + "/" + name; }
 
 private:
