@@ -27,7 +27,6 @@ struct FrameStep {
     uint64_t width = 640;
     uint64_t height = 480;
     uint64_t pixelFormat = PFNC_MONO8;
-    bool valid = true;
     std::vector<uint64_t> chunkSizes;   // one chunk per entry, ids 1, 2, ...
     std::chrono::milliseconds delay{0}; // the step is not due before this long after the previous answer
 
@@ -48,7 +47,6 @@ struct FrameStep {
         return FrameStep().Set(&FrameStep::code, code).Set(&FrameStep::withImage, false);
     }
 
-    FrameStep& Invalid() { return Set(&FrameStep::valid, false); }
     FrameStep& WithImage() { return Set(&FrameStep::withImage, true); }
     FrameStep& Chunks(std::vector<uint64_t> sizes) { return Set(&FrameStep::chunkSizes, std::move(sizes)); }
     FrameStep& After(std::chrono::milliseconds wait) { return Set(&FrameStep::delay, wait); }

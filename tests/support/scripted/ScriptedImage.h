@@ -43,7 +43,7 @@ public:
         }
     }
 
-    bool IsValid() override { return CheckOut(__func__) && m_step.valid; }
+    bool IsValid() override { return CheckOut(__func__); }
     uint64_t GetFrameId() override { return Checked(__func__, m_step.frameId); }
     uint64_t GetWidth() override { return Checked(__func__, m_step.width); }
     uint64_t GetHeight() override { return Checked(__func__, m_step.height); }
